@@ -1,0 +1,25 @@
+#include "core/battery.h"
+
+#include <algorithm>
+
+#include "core/duration_format.h"
+
+namespace loadwarden {
+
+std::string batteryStatusLine(const std::optional<BatteryInfo>& battery) {
+    if (!battery) {
+        return "";
+    }
+    if (battery->charging) {
+        return "Charging";
+    }
+    if (!battery->onBattery) {
+        return "On power adapter";
+    }
+    if (battery->minutesLeft) {
+        return abbreviatedDuration(std::max(*battery->minutesLeft, 0) * 60.0) + " left";
+    }
+    return "On battery";
+}
+
+} // namespace loadwarden

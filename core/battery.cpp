@@ -1,8 +1,8 @@
 #include "core/battery.h"
 
-#include <algorithm>
-
 #include "core/duration_format.h"
+
+#include <algorithm>
 
 namespace loadwarden {
 

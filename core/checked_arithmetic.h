@@ -1,9 +1,9 @@
 #pragma once
 
+#include "core/programming_error.h"
+
 #include <cstdint>
 #include <source_location>
-
-#include "core/programming_error.h"
 
 namespace loadwarden {
 

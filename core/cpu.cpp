@@ -1,10 +1,10 @@
 #include "core/cpu.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "core/checked_arithmetic.h"
 #include "core/programming_error.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace loadwarden::CPUMath {
 

@@ -41,7 +41,8 @@ std::string format(std::int64_t remaining, const std::array<Unit, N>& units) {
 } // namespace
 
 std::string abbreviatedDuration(Seconds seconds) {
-    const auto whole = static_cast<std::int64_t>(std::isfinite(seconds) && seconds > 0 ? seconds : 0);
+    const auto whole =
+        static_cast<std::int64_t>(std::isfinite(seconds) && seconds > 0 ? seconds : 0);
     return whole >= 3600 ? format(whole, longUnits) : format(whole, shortUnits);
 }
 

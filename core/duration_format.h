@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "core/date.h"
+
+#include <string>
 
 namespace loadwarden {
 

@@ -12,7 +12,9 @@ namespace loadwarden {
 // A value type opts into hashing by exposing its fields, in order, as a tuple
 // of references; equality stays the defaulted member-wise operator==.
 template <typename T>
-concept HasFields = requires(const T& value) { value.fields(); };
+concept HasFields = requires(const T& value) {
+    value.fields();
+};
 
 template <typename T>
 std::size_t hashValue(const T& value);

@@ -2,7 +2,9 @@
 
 namespace loadwarden {
 
-void to_json(nlohmann::json& j, MemoryPressure pressure) { j = static_cast<int>(pressure); }
+void to_json(nlohmann::json& j, MemoryPressure pressure) {
+    j = static_cast<int>(pressure);
+}
 
 void from_json(const nlohmann::json& j, MemoryPressure& pressure) {
     const auto parsed = memoryPressureFromRawValue(j.get<int>());

@@ -1,8 +1,8 @@
 #include "core/memory.h"
 
-#include <algorithm>
-
 #include "core/checked_arithmetic.h"
+
+#include <algorithm>
 
 namespace loadwarden {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/hashing.h"
+
 #include <cstdint>
 #include <optional>
 #include <string_view>

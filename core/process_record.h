@@ -1,13 +1,13 @@
 #pragma once
 
+#include "core/date.h"
 #include "core/hashing.h"
+#include "core/raw_value.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
-
-#include "core/date.h"
-#include "core/raw_value.h"
 
 namespace loadwarden {
 

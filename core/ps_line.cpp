@@ -1,11 +1,11 @@
 #include "core/ps_line.h"
 
-#include <array>
-#include <cmath>
-
 #include "core/checked_arithmetic.h"
 #include "core/programming_error.h"
 #include "core/text_parsing.h"
+
+#include <array>
+#include <cmath>
 
 namespace loadwarden {
 

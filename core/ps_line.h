@@ -1,14 +1,14 @@
 #pragma once
 
 #include "core/hashing.h"
+#include "core/process_record.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <vector>
-
-#include "core/process_record.h"
 
 namespace loadwarden {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <optional>
-
 #include "core/date.h"
 #include "core/network_bytes.h"
 #include "core/process_record.h"
+
+#include <optional>
 
 namespace loadwarden {
 

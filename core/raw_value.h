@@ -13,7 +13,9 @@ template <typename Enum>
 struct RawValues;
 
 template <typename Enum>
-concept HasRawValues = requires { RawValues<Enum>::table; };
+concept HasRawValues = requires {
+    RawValues<Enum>::table;
+};
 
 template <HasRawValues Enum>
 constexpr std::string_view rawValue(Enum value) {

@@ -29,7 +29,8 @@ bool SamplingPlan::isFullSampleDue(std::optional<Date> last, Date now) const {
     if (windowVisible || !last) {
         return true;
     }
-    const SamplingPlan hidden{.windowVisible = false, .networkShown = networkShown, .interval = interval};
+    const SamplingPlan hidden{
+        .windowVisible = false, .networkShown = networkShown, .interval = interval};
     // Half a tick of slack puts the full sample on the nearest tick, not one late.
     return now - *last >= hidden.processInterval() - hidden.tickInterval() / 2.0;
 }

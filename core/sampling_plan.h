@@ -1,10 +1,10 @@
 #pragma once
 
+#include "core/date.h"
 #include "core/hashing.h"
+
 #include <optional>
 #include <tuple>
-
-#include "core/date.h"
 
 namespace loadwarden {
 

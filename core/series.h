@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/hashing.h"
+
 #include <cstddef>
 #include <tuple>
 #include <vector>

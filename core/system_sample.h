@@ -1,15 +1,15 @@
 #pragma once
 
+#include "core/battery.h"
+#include "core/cpu.h"
 #include "core/hashing.h"
+#include "core/memory.h"
+#include "core/thermal.h"
+
 #include <cstdint>
 #include <optional>
 #include <tuple>
 #include <vector>
-
-#include "core/battery.h"
-#include "core/cpu.h"
-#include "core/memory.h"
-#include "core/thermal.h"
 
 namespace loadwarden {
 

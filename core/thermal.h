@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string_view>
-
 #include "core/raw_value.h"
+
+#include <string_view>
 
 namespace loadwarden {
 

@@ -12,7 +12,7 @@ TEST(AbbreviatedDuration, AtMostTwoUnitsLargestFirst) {
     EXPECT_EQ(abbreviatedDuration(59), "59s");
     EXPECT_EQ(abbreviatedDuration(3599), "59m 59s");
     EXPECT_EQ(abbreviatedDuration(3900), "1h 5m");
-    EXPECT_EQ(abbreviatedDuration(3600 + 59), "1h");  // seconds are not shown from an hour up
+    EXPECT_EQ(abbreviatedDuration(3600 + 59), "1h"); // seconds are not shown from an hour up
     EXPECT_EQ(abbreviatedDuration(7200), "2h");
     EXPECT_EQ(abbreviatedDuration(2 * 86400 + 3 * 3600 + 25 * 60), "2d 3h");
     EXPECT_EQ(abbreviatedDuration(86400 + 60), "1d"); // the zero hour still takes the second place

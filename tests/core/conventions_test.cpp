@@ -20,11 +20,22 @@ TEST(RawValues, RoundTripEveryCaseAndRejectUnknownNames) {
 }
 
 ProcessRecord sampleRecord() {
-    return ProcessRecord{.pid = 7, .ppid = 1, .responsiblePID = 7, .uid = 501, .user = "ada",
-                         .name = "Editor", .path = "/Applications/Editor.app/Contents/MacOS/Editor",
-                         .started = 1700000000.123456, .isOwn = true, .cpuTimeNs = 99,
-                         .memoryBytes = 1 << 20, .diskReadBytes = 10, .energyNJ = std::nullopt,
-                         .threads = 4, .state = RunState::running, .arch = Architecture::rosetta};
+    return ProcessRecord{.pid = 7,
+                         .ppid = 1,
+                         .responsiblePID = 7,
+                         .uid = 501,
+                         .user = "ada",
+                         .name = "Editor",
+                         .path = "/Applications/Editor.app/Contents/MacOS/Editor",
+                         .started = 1700000000.123456,
+                         .isOwn = true,
+                         .cpuTimeNs = 99,
+                         .memoryBytes = 1 << 20,
+                         .diskReadBytes = 10,
+                         .energyNJ = std::nullopt,
+                         .threads = 4,
+                         .state = RunState::running,
+                         .arch = Architecture::rosetta};
 }
 
 TEST(JsonCoding, KeysAreFieldNamesAndAbsentValuesAreNull) {
@@ -33,7 +44,8 @@ TEST(JsonCoding, KeysAreFieldNamesAndAbsentValuesAreNull) {
     EXPECT_EQ(j["record"]["arch"], "rosetta");
     EXPECT_TRUE(j["record"]["energyNJ"].is_null());
     EXPECT_TRUE(j["rates"]["diskBytesPerSecond"].is_null());
-    EXPECT_EQ(j.get<LiveProcess>(), (LiveProcess{sampleRecord(), ProcessRates{.cpuPercent = 12.5}}));
+    EXPECT_EQ(j.get<LiveProcess>(),
+              (LiveProcess{sampleRecord(), ProcessRates{.cpuPercent = 12.5}}));
 }
 
 TEST(JsonCoding, SystemSampleRoundTripsWithPressureAsItsInteger) {

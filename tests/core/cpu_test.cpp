@@ -7,8 +7,8 @@
 namespace loadwarden {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::Each;
+using ::testing::ElementsAre;
 
 TEST(CoreUsage, ChangedCoreCountGivesZerosForEveryCurrentCore) {
     const std::vector<CPUTicks> eight(8, CPUTicks{10, 10, 10, 10});
@@ -38,7 +38,8 @@ TEST(CoreUsage, CounterResetsAndFullyBusyCoresStayInRange) {
 
 TEST(CoreKinds, EfficiencyCoresComeFirstOnlyWhenTheLayoutAddsUp) {
     using enum CoreKind;
-    EXPECT_THAT(CPUMath::coreKinds(4, 2, 2), ElementsAre(efficiency, efficiency, performance, performance));
+    EXPECT_THAT(CPUMath::coreKinds(4, 2, 2),
+                ElementsAre(efficiency, efficiency, performance, performance));
     const auto tenCores = CPUMath::coreKinds(10, 8, 2);
     EXPECT_EQ(std::count(tenCores.begin(), tenCores.begin() + 2, efficiency), 2);
     EXPECT_EQ(std::count(tenCores.begin() + 2, tenCores.end(), performance), 8);

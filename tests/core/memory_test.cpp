@@ -7,8 +7,9 @@ namespace {
 
 TEST(MemoryPressure, KernelLevelsMapToThreeOrderedLevels) {
     using enum MemoryPressure;
-    const std::pair<int, MemoryPressure> cases[] = {
-        {1, normal}, {2, warning}, {3, warning}, {4, critical}, {5, critical}, {0, normal}, {-1, normal}};
+    const std::pair<int, MemoryPressure> cases[] = {{1, normal},   {2, warning},  {3, warning},
+                                                    {4, critical}, {5, critical}, {0, normal},
+                                                    {-1, normal}};
     for (const auto& [level, expected] : cases) {
         EXPECT_EQ(memoryPressureFromKernelLevel(level), expected) << "level " << level;
     }

@@ -29,7 +29,7 @@ TEST(PSLine, ParsesPaddedColumnsAndACommandWithSpaces) {
 
 TEST(PSLine, RejectsBrokenLinesButKeepsTheRest) {
     const std::string output = "    1     0     0  9192 0:02.00 S  launchd\n"
-                               "    2     1     0  100 0:00.00 S\n"     // no command
+                               "    2     1     0  100 0:00.00 S\n"      // no command
                                "    x     1     0  100 0:00.00 S  bad\n" // pid not a number
                                "    3     1    -5  100 0:00.00 S  uid\n" // uid unsigned
                                "    4     1     0  100 1:2:3:4 S  time\n"

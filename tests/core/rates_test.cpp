@@ -26,8 +26,8 @@ TEST(Rates, PerSecondDeltasOfTheSameProcess) {
     EXPECT_EQ(rates.energyWatts, 2.5);
     EXPECT_FALSE(rates.networkInPerSecond);
 
-    const auto twoCores = Rates::compute(previous, record(1000.5, 3'000'000'000), std::nullopt,
-                                         std::nullopt, 1.0);
+    const auto twoCores =
+        Rates::compute(previous, record(1000.5, 3'000'000'000), std::nullopt, std::nullopt, 1.0);
     EXPECT_DOUBLE_EQ(twoCores.cpuPercent, 200.0);
 }
 
@@ -38,16 +38,16 @@ TEST(Rates, ReusedPidStartsAfreshButUnknownStartTimesStillMatch) {
     EXPECT_EQ(reused.diskBytesPerSecond, 0.0);
     EXPECT_EQ(reused.energyWatts, 0.0);
 
-    const auto unknownStart = Rates::compute(record(0, 0), record(2000.25, 500'000'000),
-                                             std::nullopt, std::nullopt, 1.0);
+    const auto unknownStart =
+        Rates::compute(record(0, 0), record(2000.25, 500'000'000), std::nullopt, std::nullopt, 1.0);
     EXPECT_DOUBLE_EQ(unknownStart.cpuPercent, 50.0);
 }
 
 TEST(Rates, CountersRunningBackwardsGiveZeroNotAHugeJump) {
     auto current = record(1, 0);
     current.diskReadBytes = 0;
-    const auto rates = Rates::compute(record(1, 5'000'000'000), current, std::nullopt,
-                                      std::nullopt, 1.0);
+    const auto rates =
+        Rates::compute(record(1, 5'000'000'000), current, std::nullopt, std::nullopt, 1.0);
     EXPECT_EQ(rates.cpuPercent, 0.0);
     EXPECT_EQ(rates.diskBytesPerSecond, 0.0);
 }
@@ -56,7 +56,8 @@ TEST(Rates, AbsentCountersStayAbsent) {
     auto current = record(1, 0);
     current.diskWrittenBytes.reset();
     current.energyNJ.reset();
-    const auto withPrevious = Rates::compute(record(1, 0), current, std::nullopt, std::nullopt, 1.0);
+    const auto withPrevious =
+        Rates::compute(record(1, 0), current, std::nullopt, std::nullopt, 1.0);
     EXPECT_FALSE(withPrevious.diskBytesPerSecond);
     EXPECT_FALSE(withPrevious.energyWatts);
     const auto first = Rates::compute(std::nullopt, current, std::nullopt, std::nullopt, 1.0);
@@ -66,7 +67,8 @@ TEST(Rates, AbsentCountersStayAbsent) {
 
 TEST(Rates, ZeroIntervalGivesNothing) {
     const NetworkBytes network{.pid = 42, .name = "x", .bytesIn = 10, .bytesOut = 10};
-    const auto rates = Rates::compute(record(1, 0), record(1, 9'000'000'000), network, network, 0.0);
+    const auto rates =
+        Rates::compute(record(1, 0), record(1, 9'000'000'000), network, network, 0.0);
     EXPECT_EQ(rates, ProcessRates{});
 }
 

@@ -37,7 +37,9 @@ TEST(SamplingPlan, NetworkCadenceFollowsWhatIsShown) {
     EXPECT_EQ(shown.networkInterval(), 6.0);
     EXPECT_EQ(shown.networkInterval(4), 24.0);
     EXPECT_EQ(shown.networkStaleAfter(4), 58.0);
-    EXPECT_EQ((SamplingPlan{.windowVisible = true, .networkShown = true, .interval = 9}.networkInterval()), 9.0);
+    EXPECT_EQ((SamplingPlan{.windowVisible = true, .networkShown = true, .interval = 9}
+                   .networkInterval()),
+              9.0);
     EXPECT_EQ((SamplingPlan{.windowVisible = true, .networkShown = false}.networkInterval()), 60.0);
 
     const SamplingPlan hidden{.windowVisible = false, .networkShown = true, .interval = 2};

@@ -30,7 +30,7 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SystemSample, coreUsage, coreKin
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ProcessRecord, pid, ppid, responsiblePID, uid, user,
                                                 name, path, started, isOwn, cpuTimeNs, memoryBytes,
                                                 diskReadBytes, diskWrittenBytes, energyNJ, threads,
-                                                state, arch)
+                                                state, arch, appID)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ProcessRates, cpuPercent, diskBytesPerSecond,
                                                 energyWatts, networkInPerSecond,
                                                 networkOutPerSecond)

@@ -56,12 +56,15 @@ struct ProcessRecord {
     std::optional<int> threads;
     RunState state = RunState::other;
     Architecture arch = Architecture::unknown;
+    // Linux: the desktop-entry id of the app that launched the process (from
+    // its systemd unit), which plays the part of a bundle; empty elsewhere.
+    std::string appID;
 
     bool operator==(const ProcessRecord&) const = default;
     auto fields() const {
         return std::tie(pid, ppid, responsiblePID, uid, user, name, path, started, isOwn, cpuTimeNs,
                         memoryBytes, diskReadBytes, diskWrittenBytes, energyNJ, threads, state,
-                        arch);
+                        arch, appID);
     }
 };
 

@@ -20,9 +20,11 @@ std::string formatNumber(double value) {
     return text;
 }
 
+} // namespace
+
 std::string formatByteAmount(double bytes) {
     static constexpr std::array<const char*, 6> units{"KB", "MB", "GB", "TB", "PB", "EB"};
-    if (!(bytes >= 999.5)) {
+    if (!(std::isfinite(bytes) && bytes >= 999.5)) {
         const double whole = std::isfinite(bytes) && bytes > 0 ? std::round(bytes) : 0.0;
         return formatNumber(whole) + (whole == 1.0 ? " byte" : " bytes");
     }
@@ -36,8 +38,6 @@ std::string formatByteAmount(double bytes) {
     return formatNumber(value) + " " + units[unit];
 }
 
-} // namespace
-
 std::string formatBytes(std::uint64_t bytes) {
     return formatByteAmount(static_cast<double>(bytes));
 }
@@ -48,6 +48,15 @@ std::string formatBytesPerSecond(double bytesPerSecond) {
 
 std::string formatPercent(double percent) {
     return formatNumber(std::isfinite(percent) && percent > 0 ? percent : 0.0) + "%";
+}
+
+std::string formatCount(double amount, std::string_view unit) {
+    const auto whole = std::isfinite(amount) && amount > 0 ? static_cast<std::int64_t>(amount) : 0;
+    return std::to_string(whole) + " " + std::string(unit) + (whole == 1 ? "" : "s");
+}
+
+std::string formatWatts(double watts) {
+    return formatNumber(std::isfinite(watts) && watts > 0 ? watts : 0.0) + " W";
 }
 
 } // namespace loadwarden

@@ -5,6 +5,7 @@
 #include "core/alert.h"
 #include "core/explainer.h"
 #include "core/json_support.h"
+#include "core/process_group_json.h"
 
 namespace loadwarden {
 
@@ -18,6 +19,10 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AppAlert, kind, key, name, amount, detail, da
 void to_json(nlohmann::json& j, const Cause::Fix& fix);
 void from_json(const nlohmann::json& j, Cause::Fix& fix);
 
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ExplainerApp, key, name, kind, cpuPercent,
+                                                memoryBytes, energyWatts, diskBytesPerSecond,
+                                                helperCount, canQuit, canPause, notResponding,
+                                                leakGrowth, processName, isSelf)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(Cause, kind, score, appKey, appName, value, extra,
                                                 pressureHigh, fix)
 

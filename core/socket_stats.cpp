@@ -86,12 +86,14 @@ std::optional<SocketBytes> parseSocketLine(std::string_view line) {
                        .owners = std::move(owners)};
 }
 
-// The indented detail line. ss leaves out counters that are zero. The
-// acknowledged count also covers the handshake's sequence numbers, so it is
-// bounded by the data actually sent.
+// The indented detail line; ss leaves out counters that are zero. Data sent
+// counts once however often it was retransmitted, and only once the peer
+// acknowledged it. The acknowledged count alone would not do: it also covers
+// the sequence numbers of the handshake and the closing.
 bool readCounters(std::string_view line, SocketBytes& socket) {
     std::uint64_t acknowledged = 0;
     std::uint64_t sent = 0;
+    std::uint64_t retransmitted = 0;
     for (std::string_view word : words(line)) {
         std::uint64_t* counter = nullptr;
         if (take(word, "bytes_received:")) {
@@ -100,6 +102,8 @@ bool readCounters(std::string_view line, SocketBytes& socket) {
             counter = &acknowledged;
         } else if (take(word, "bytes_sent:")) {
             counter = &sent;
+        } else if (take(word, "bytes_retrans:")) {
+            counter = &retransmitted;
         } else {
             continue;
         }
@@ -109,7 +113,7 @@ bool readCounters(std::string_view line, SocketBytes& socket) {
         }
         *counter = *value;
     }
-    socket.bytesOut = std::min(acknowledged, sent);
+    socket.bytesOut = std::min(acknowledged, sent - std::min(retransmitted, sent));
     return true;
 }
 

@@ -56,7 +56,7 @@ TEST(SocketStats, SkipsUnreadableSocketsOneByOne) {
         "ESTAB 0 0\n"
         "\t bytes_received:5\n"
         "tcp ESTAB 0 0 10.0.0.1:9 10.0.0.2:10 users:((\"kept\",pid=5,fd=3))\n"
-        "\t cubic bytes_sent:40 bytes_retrans:40 bytes_acked:41 bytes_received:7 segs_in:2\n"
+        "\t cubic bytes_sent:50 bytes_retrans:10 bytes_acked:41 bytes_received:7 segs_in:2\n"
         "ESTAB 0 0 10.0.0.1:11 10.0.0.2:12 users:((\"quiet\",pid=6,fd=3))\n"
         "\t cubic bytes_acked:1\n"
         "ESTAB 0 0 10.0.0.1:13 10.0.0.2:14 users:((\"cut\",pid=7,fd=3))\n"

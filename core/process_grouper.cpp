@@ -4,6 +4,7 @@
 #include "core/text_parsing.h"
 
 #include <algorithm>
+#include <span>
 #include <string>
 
 namespace loadwarden {
@@ -21,7 +22,8 @@ constexpr int maximumAncestors = 32;
 struct PendingGroup {
     std::optional<std::string_view> bundle;
     std::int32_t keyPID = 0;
-    std::vector<const LiveProcess*> members; // input order
+    std::size_t first = 0; // where its members start in the list of all members
+    std::size_t count = 0;
 };
 
 class KeyFinder {
@@ -77,8 +79,10 @@ bool isMainExecutable(const ProcessRecord& record, std::string_view bundle) {
 }
 
 // The lowest pid among the members that pass; null when none does.
+using Members = std::span<const LiveProcess*>;
+
 template <typename Predicate>
-const LiveProcess* lowestPID(const std::vector<const LiveProcess*>& members, Predicate passes) {
+const LiveProcess* lowestPID(Members members, Predicate passes) {
     const LiveProcess* lowest = nullptr;
     for (const LiveProcess* member : members) {
         if (passes(*member) && (!lowest || member->record.pid < lowest->record.pid)) {
@@ -88,20 +92,28 @@ const LiveProcess* lowestPID(const std::vector<const LiveProcess*>& members, Pre
     return lowest;
 }
 
-const LiveProcess& chooseLeader(const PendingGroup& pending, const AppNames& appNames) {
-    if (const auto* app = lowestPID(pending.members, [&](const LiveProcess& member) {
+struct Leader {
+    const LiveProcess& process;
+    bool isRegularApp; // so some member is one: the leader is the first choice among them
+};
+
+// The lowest pid among the regular apps; else among the bundle's main
+// executables; else among all members.
+Leader chooseLeader(Members members, std::optional<std::string_view> bundle,
+                    const AppNames& appNames) {
+    if (const auto* app = lowestPID(members, [&](const LiveProcess& member) {
             return appNames.contains(member.record.pid);
         })) {
-        return *app;
+        return {*app, true};
     }
-    if (pending.bundle) {
-        if (const auto* main = lowestPID(pending.members, [&](const LiveProcess& member) {
-                return isMainExecutable(member.record, *pending.bundle);
+    if (bundle) {
+        if (const auto* main = lowestPID(members, [&](const LiveProcess& member) {
+                return isMainExecutable(member.record, *bundle);
             })) {
-            return *main;
+            return {*main, false};
         }
     }
-    return *lowestPID(pending.members, [](const LiveProcess&) { return true; });
+    return {*lowestPID(members, [](const LiveProcess&) { return true; }), false};
 }
 
 // "/Applications/Foo Bar.app" is called Foo Bar; a desktop-entry id stands
@@ -123,10 +135,10 @@ GroupKind groupKind(bool hasRegularApp, bool leaderIsOwn, bool isProtected) {
     return isProtected || !leaderIsOwn ? GroupKind::system : GroupKind::background;
 }
 
-ProcessGroup buildGroup(const PendingGroup& pending, const AppNames& appNames,
-                        std::int32_t selfPID) {
-    const LiveProcess& leader = chooseLeader(pending, appNames);
-    ProcessGroup group;
+// Fills a group in place: groups are large, and there are thousands.
+void buildGroup(ProcessGroup& group, const PendingGroup& pending, Members members,
+                const AppNames& appNames, std::int32_t selfPID) {
+    const auto [leader, isRegularApp] = chooseLeader(members, pending.bundle, appNames);
     group.id = pending.bundle ? std::string(appKeyPrefix).append(*pending.bundle)
                               : "pid:" + std::to_string(pending.keyPID);
     if (pending.bundle) {
@@ -134,27 +146,20 @@ ProcessGroup buildGroup(const PendingGroup& pending, const AppNames& appNames,
     }
     group.leader = leader;
 
-    std::vector<const LiveProcess*> others;
-    others.reserve(pending.members.size());
-    bool hasRegularApp = false;
-    for (const LiveProcess* member : pending.members) {
-        hasRegularApp = hasRegularApp || appNames.contains(member->record.pid);
-        group.isSelf = group.isSelf || member->record.pid == selfPID;
-        if (member->record.pid != leader.record.pid) {
-            others.push_back(member);
-        }
-    }
-    std::sort(others.begin(), others.end(), [](const LiveProcess* a, const LiveProcess* b) {
+    std::sort(members.begin(), members.end(), [](const LiveProcess* a, const LiveProcess* b) {
         return a->record.pid < b->record.pid;
     });
-    group.members.reserve(others.size() + 1);
+    group.members.reserve(members.size());
     group.members.push_back(leader);
-    for (const LiveProcess* member : others) {
-        group.members.push_back(*member);
+    for (const LiveProcess* member : members) {
+        group.isSelf = group.isSelf || member->record.pid == selfPID;
+        if (member->record.pid != leader.record.pid) {
+            group.members.push_back(*member);
+        }
     }
 
-    if (const auto appName = appNames.find(leader.record.pid); appName != appNames.end()) {
-        group.name = appName->second;
+    if (isRegularApp) {
+        group.name = appNames.at(leader.record.pid);
     } else if (pending.bundle) {
         group.name = bundleName(*pending.bundle);
     } else {
@@ -162,8 +167,7 @@ ProcessGroup buildGroup(const PendingGroup& pending, const AppNames& appNames,
     }
     group.isProtected = ProtectedList::isProtected(leader.record.name, leader.record.path) ||
                         ProtectedList::isProtected(group.name, pending.bundle.value_or(""));
-    group.kind = groupKind(hasRegularApp, leader.record.isOwn, group.isProtected);
-    return group;
+    group.kind = groupKind(isRegularApp, leader.record.isOwn, group.isProtected);
 }
 
 } // namespace
@@ -189,6 +193,7 @@ std::vector<ProcessGroup> ProcessGrouper::group(const std::vector<LiveProcess>& 
                                                 const AppNames& appNames, std::int32_t selfPID) {
     const KeyFinder keys(processes);
     std::vector<PendingGroup> pending;
+    std::vector<std::size_t> pendingOf(processes.size());
     std::unordered_map<std::string_view, std::size_t> pendingByBundle;
     std::unordered_map<std::int32_t, std::size_t> pendingByPID;
     for (std::size_t i = 0; i < processes.size(); ++i) {
@@ -200,13 +205,26 @@ std::vector<ProcessGroup> ProcessGrouper::group(const std::vector<LiveProcess>& 
         if (slot == next) {
             pending.push_back(PendingGroup{.bundle = bundle, .keyPID = pid});
         }
-        pending[slot].members.push_back(&processes[i]);
+        ++pending[slot].count;
+        pendingOf[i] = slot;
+    }
+
+    // The members of all groups side by side, each group's in input order.
+    for (std::size_t slot = 1; slot < pending.size(); ++slot) {
+        pending[slot].first = pending[slot - 1].first + pending[slot - 1].count;
+    }
+    std::vector<const LiveProcess*> members(processes.size());
+    std::vector<std::size_t> filled(pending.size());
+    for (std::size_t i = 0; i < processes.size(); ++i) {
+        const std::size_t slot = pendingOf[i];
+        members[pending[slot].first + filled[slot]++] = &processes[i];
     }
 
     std::vector<ProcessGroup> groups;
     groups.reserve(pending.size());
     for (const PendingGroup& each : pending) {
-        groups.push_back(buildGroup(each, appNames, selfPID));
+        buildGroup(groups.emplace_back(), each, Members(members).subspan(each.first, each.count),
+                   appNames, selfPID);
     }
     return groups;
 }

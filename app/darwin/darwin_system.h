@@ -1,0 +1,29 @@
+#pragma once
+
+#include "app/sampler_backend.h"
+
+#include <mach/mach_types.h>
+
+namespace loadwarden {
+
+// System-wide figures from the host statistics, system settings, the IOKit
+// registry and the power sources.
+class DarwinSystem {
+public:
+    DarwinSystem();
+
+    ProcessorReading processors() const;
+    MemoryStats memory() const;
+    std::optional<double> gpu() const;
+    std::optional<ByteCounters> diskCounters() const;
+    std::optional<ByteCounters> interfaceCounters() const;
+    std::optional<BatteryInfo> battery() const;
+    Seconds uptime() const;
+
+private:
+    host_t host_;
+    int performanceCores_; // logical cores per performance level; 0 on Intel
+    int efficiencyCores_;
+};
+
+} // namespace loadwarden

@@ -1,0 +1,56 @@
+#include "shell/command_line.h"
+#include "shell/commands.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace loadwarden {
+
+const std::vector<Command>& commands() {
+    static const std::vector<Command> table{
+        {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
+        {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
+    };
+    return table;
+}
+
+namespace {
+
+void printUsage(std::ostream& stream) {
+    stream << "usage: loadwarden <command> [options]\n\ncommands:\n";
+    std::size_t width = 0;
+    for (const auto& command : commands()) {
+        width = std::max(width, command.name.size());
+    }
+    for (const auto& command : commands()) {
+        stream << "  " << command.name << std::string(width - command.name.size() + 2, ' ')
+               << command.summary << '\n';
+    }
+    stream << "\nRun 'loadwarden <command> --help' for a command's options.\n";
+}
+
+} // namespace
+
+int runProgram(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+    if (arguments.empty()) {
+        err << "loadwarden: no command given\n";
+        printUsage(err);
+        return exitUsage;
+    }
+    const std::string& name = arguments.front();
+    if (name == "--help" || name == "-h" || name == "help") {
+        printUsage(out);
+        return exitSuccess;
+    }
+    const auto& table = commands();
+    const auto command = std::find_if(table.begin(), table.end(),
+                                      [&name](const Command& entry) { return entry.name == name; });
+    if (command == table.end()) {
+        err << "loadwarden: unknown command '" << name << "'\n";
+        printUsage(err);
+        return exitUsage;
+    }
+    return command->run({arguments.begin() + 1, arguments.end()}, out, err);
+}
+
+} // namespace loadwarden

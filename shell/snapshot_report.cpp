@@ -1,0 +1,194 @@
+#include "shell/snapshot_report.h"
+
+#include "core/duration_format.h"
+#include "core/units_format.h"
+
+#include <algorithm>
+#include <array>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr std::string_view dash = "-";
+
+struct Column {
+    std::string_view title;
+    std::size_t width;
+    bool rightAligned;
+};
+
+// PID, NAME, USER, CPU, MEMORY, DISK, NETWORK, THREADS, STATE.
+constexpr std::array<Column, 9> columns{{
+    {"PID", 7, true},
+    {"NAME", 28, false},
+    {"USER", 12, false},
+    {"CPU", 7, true},
+    {"MEMORY", 9, true},
+    {"DISK", 11, true},
+    {"NETWORK", 11, true},
+    {"THREADS", 7, true},
+    {"STATE", 8, false},
+}};
+
+std::string fitted(std::string_view text, std::size_t width) {
+    if (text.size() <= width) {
+        return std::string(text);
+    }
+    return std::string(text.substr(0, width - 1)) + "~";
+}
+
+void printRow(const std::array<std::string, columns.size()>& cells, std::ostream& out) {
+    std::string line;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const std::string text = fitted(cells[i], columns[i].width);
+        const std::string padding(columns[i].width - text.size(), ' ');
+        line += columns[i].rightAligned ? padding + text : text + padding;
+        line += i + 1 < columns.size() ? "  " : "";
+    }
+    while (!line.empty() && line.back() == ' ') {
+        line.pop_back();
+    }
+    out << line << '\n';
+}
+
+std::string optionalRate(const std::optional<double>& bytesPerSecond) {
+    return bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(dash);
+}
+
+std::string networkCell(const ProcessRates& rates) {
+    if (!rates.networkInPerSecond && !rates.networkOutPerSecond) {
+        return std::string(dash);
+    }
+    return formatBytesPerSecond(rates.networkInPerSecond.value_or(0.0) +
+                                rates.networkOutPerSecond.value_or(0.0));
+}
+
+void printProcessTable(const Snapshot& snapshot, std::ostream& out) {
+    std::vector<const LiveProcess*> rows;
+    for (const auto& process : snapshot.processes) {
+        rows.push_back(&process);
+    }
+    std::sort(rows.begin(), rows.end(), [](const LiveProcess* a, const LiveProcess* b) {
+        if (a->rates.cpuPercent != b->rates.cpuPercent) {
+            return a->rates.cpuPercent > b->rates.cpuPercent;
+        }
+        if (a->record.memoryBytes != b->record.memoryBytes) {
+            return a->record.memoryBytes > b->record.memoryBytes;
+        }
+        return a->record.pid < b->record.pid;
+    });
+    std::array<std::string, columns.size()> titles;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        titles[i] = columns[i].title;
+    }
+    printRow(titles, out);
+    for (const LiveProcess* process : rows) {
+        const ProcessRecord& record = process->record;
+        printRow({std::to_string(record.pid), record.name, record.user,
+                  formatPercent(process->rates.cpuPercent), formatBytes(record.memoryBytes),
+                  optionalRate(process->rates.diskBytesPerSecond), networkCell(process->rates),
+                  record.threads ? std::to_string(*record.threads) : std::string(dash),
+                  std::string(rawValue(record.state))},
+                 out);
+    }
+}
+
+std::string percentOf(double fraction) {
+    return formatPercent(fraction * 100.0);
+}
+
+std::string processorLine(const SystemSample& system) {
+    std::string line = percentOf(system.cpu()) + " of " + std::to_string(system.coreUsage.size()) +
+                       (system.coreUsage.size() == 1 ? " core" : " cores");
+    const auto has = [&system](CoreKind kind) {
+        return std::find(system.coreKinds.begin(), system.coreKinds.end(), kind) !=
+               system.coreKinds.end();
+    };
+    if (has(CoreKind::performance) && has(CoreKind::efficiency)) {
+        line +=
+            " (performance " +
+            percentOf(CPUMath::average(system.coreUsage, system.coreKinds, CoreKind::performance)) +
+            ", efficiency " +
+            percentOf(CPUMath::average(system.coreUsage, system.coreKinds, CoreKind::efficiency)) +
+            ")";
+    }
+    return line;
+}
+
+std::string memoryLine(const MemoryStats& memory) {
+    return formatBytes(memory.used()) + " of " + formatBytes(memory.total) + " used (" +
+           percentOf(memory.usedFraction()) + "): apps " + formatBytes(memory.app) + ", wired " +
+           formatBytes(memory.wired) + ", compressed " + formatBytes(memory.compressed) +
+           "; cached " + formatBytes(memory.cached) + "; pressure " +
+           std::string(label(memory.pressure));
+}
+
+std::string diskLine(const SystemSample& system) {
+    std::string line = formatBytesPerSecond(system.diskReadPerSecond) + " read, " +
+                       formatBytesPerSecond(system.diskWritePerSecond) + " written";
+    if (system.diskFree && system.diskTotal) {
+        line += "; " + formatBytes(*system.diskFree) + " free of " + formatBytes(*system.diskTotal);
+    }
+    return line;
+}
+
+std::string batteryLine(const std::optional<BatteryInfo>& battery) {
+    if (!battery) {
+        return "none";
+    }
+    std::string line = percentOf(battery->percent) + ", " + batteryStatusLine(battery);
+    if (battery->cycleCount) {
+        line += "; " + std::to_string(*battery->cycleCount) + " cycles";
+    }
+    if (battery->health) {
+        line += "; health " + percentOf(*battery->health);
+    }
+    return line;
+}
+
+void printSystemSummary(const Snapshot& snapshot, std::ostream& out) {
+    const SystemSample& system = snapshot.system;
+    std::vector<std::pair<std::string_view, std::string>> lines{
+        {"CPU", processorLine(system)},
+        {"Memory", memoryLine(system.memory)},
+        {"Swap", formatBytes(system.memory.swapUsed) + " of " +
+                     formatBytes(system.memory.swapTotal) + " used"},
+        {"Disk", diskLine(system)},
+        {"Network", formatBytesPerSecond(system.networkInPerSecond) + " in, " +
+                        formatBytesPerSecond(system.networkOutPerSecond) + " out"},
+    };
+    if (system.gpu) {
+        lines.emplace_back("GPU", percentOf(*system.gpu));
+    }
+    lines.emplace_back("Battery", batteryLine(system.battery));
+    lines.emplace_back("Thermal", std::string(label(system.thermal)));
+    lines.emplace_back("Low Power", system.lowPowerMode ? "on" : "off");
+    lines.emplace_back("Uptime", abbreviatedDuration(system.uptime));
+    lines.emplace_back("Processes",
+                       std::to_string(snapshot.processes.size()) +
+                           (snapshot.hasNetwork ? "" : "; per-process network not measured yet"));
+    for (const auto& [title, text] : lines) {
+        out << title << std::string(12 - title.size(), ' ') << text << '\n';
+    }
+}
+
+} // namespace
+
+void printSnapshotReport(const Snapshot& snapshot, std::ostream& out) {
+    printProcessTable(snapshot, out);
+    out << '\n';
+    printSystemSummary(snapshot, out);
+}
+
+void printSnapshotJSON(const Snapshot& snapshot, std::ostream& out) {
+    // Process names come from the processes themselves and may hold bytes
+    // that are not UTF-8; they are replaced rather than fail the output.
+    out << nlohmann::json(snapshot).dump(2, ' ', false, nlohmann::json::error_handler_t::replace)
+        << '\n';
+}
+
+} // namespace loadwarden

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/snapshot.h"
+
+#include <iosfwd>
+
+namespace loadwarden {
+
+// The readable report: a table of every process, busiest first, then the
+// system's figures.
+void printSnapshotReport(const Snapshot& snapshot, std::ostream& out);
+
+// The snapshot as JSON: keys are the field names, absent values null, dates
+// seconds since 1970.
+void printSnapshotJSON(const Snapshot& snapshot, std::ostream& out);
+
+} // namespace loadwarden

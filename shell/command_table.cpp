@@ -9,7 +9,6 @@ namespace loadwarden {
 const std::vector<Command>& commands() {
     static const std::vector<Command> table{
         {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
-        {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
     };
     return table;
 }

@@ -24,7 +24,4 @@ int runProgram(const std::vector<std::string>& arguments, std::ostream& out, std
 int runSnapshotCommand(const std::vector<std::string>& arguments, std::ostream& out,
                        std::ostream& err);
 
-
-int runAppsCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
-
 } // namespace loadwarden

@@ -9,6 +9,7 @@ namespace loadwarden {
 const std::vector<Command>& commands() {
     static const std::vector<Command> table{
         {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
+        {"why", "what is slowing things down, worst first, with fixes", runWhyCommand},
     };
     return table;
 }

@@ -24,4 +24,6 @@ int runProgram(const std::vector<std::string>& arguments, std::ostream& out, std
 int runSnapshotCommand(const std::vector<std::string>& arguments, std::ostream& out,
                        std::ostream& err);
 
+int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+
 } // namespace loadwarden

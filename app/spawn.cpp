@@ -27,7 +27,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto checkPeriod = std::chrono::milliseconds(250);
-constexpr int checkPeriodMilliseconds = 250;
+constexpr int checkPeriodMilliseconds = static_cast<int>(checkPeriod.count());
 constexpr std::size_t readChunkBytes = 16384;
 constexpr double textTimeout = 20.0;
 

@@ -23,7 +23,8 @@ double timebase() {
 } // namespace
 
 bool closeOtherDescriptors(posix_spawnattr_t& attributes, posix_spawn_file_actions_t&) {
-    return posix_spawnattr_setflags(&attributes, POSIX_SPAWN_CLOEXEC_DEFAULT) == 0;
+    return posix_spawnattr_setflags(&attributes, static_cast<short>(POSIX_SPAWN_CLOEXEC_DEFAULT)) ==
+           0;
 }
 
 std::optional<double> cpuSeconds(pid_t child) {

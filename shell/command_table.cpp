@@ -10,6 +10,7 @@ const std::vector<Command>& commands() {
     static const std::vector<Command> table{
         {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
         {"why", "what is slowing things down, worst first, with fixes", runWhyCommand},
+        {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
     };
     return table;
 }

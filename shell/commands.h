@@ -26,4 +26,6 @@ int runSnapshotCommand(const std::vector<std::string>& arguments, std::ostream& 
 
 int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
+int runAppsCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+
 } // namespace loadwarden

@@ -2,6 +2,7 @@
 
 #include "core/checked_arithmetic.h"
 #include "core/platform_wording.h"
+#include "core/programming_error.h"
 
 namespace loadwarden {
 

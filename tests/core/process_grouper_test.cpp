@@ -106,11 +106,6 @@ TEST(Grouping, ParentChainIsFollowedForThirtyTwoAncestorsAndNoFurther) {
     EXPECT_EQ(tooDeep[0].members.size(), 33u);
 }
 
-TEST(Grouping, ParentCycleEndsTheWalk) {
-    const auto groups = groupAll({process(40, "a", "", 41), process(41, "b", "", 40)});
-    EXPECT_THAT(ids(groups), ElementsAre("pid:40", "pid:41"));
-}
-
 TEST(Grouping, TwoRegularAppsInOneBundleFormOneAppLedByTheLowerPid) {
     const std::string bundle = "/Applications/Suite.app";
     const auto groups = groupAll(

@@ -117,15 +117,6 @@ TEST(SortGroups, AbsentTotalsSortBelowZeroAndTiesGoByNameAscending) {
                 ElementsAre("Gamma", "alpha", "Beta", "Beta", "Delta"));
 }
 
-TEST(SortGroups, MemoryTotalsCompareExactlyBeyondDoublePrecision) {
-    auto bigger = lone(1, "a", GroupKind::app);
-    bigger.members[0].record.memoryBytes = (1ULL << 60) + 1;
-    auto smaller = lone(2, "b", GroupKind::app);
-    smaller.members[0].record.memoryBytes = 1ULL << 60;
-    EXPECT_THAT(names(ProcessGrouper::sortGroups({smaller, bigger}, ProcessColumn::memory, false)),
-                ElementsAre("a", "b"));
-}
-
 TEST(SortMembers, ColumnThenNameThenPid) {
     auto noReading = process(30, "worker");
     auto zeroWatts = process(40, "worker");

@@ -4,7 +4,6 @@
 #include "shell/apps_options.h"
 #include "shell/apps_report.h"
 #include "shell/commands.h"
-#include "shell/terminal_text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -173,14 +172,6 @@ TEST(AppsCommand, ListsThisMachineWithThisProgramReadOnly) {
     ASSERT_NE(mine, groups.end());
     EXPECT_TRUE((*mine)["allowedActions"].empty());
     EXPECT_EQ((*mine)["reason"], "This app");
-}
-
-TEST(TerminalText, LongNamesAreCutAtACharacterAndPaddedByCharacters) {
-    EXPECT_EQ(TerminalText::fitted("Renderer", 5), "Rend~");
-    EXPECT_EQ(TerminalText::fitted("Éléphant", 4), "Élé~");
-    EXPECT_EQ(TerminalText::fitted("Mail", 4), "Mail");
-    EXPECT_EQ(TerminalText::padded("é", 3, true), "  é");
-    EXPECT_EQ(TerminalText::padded("toolong", 3, false), "toolong");
 }
 
 } // namespace

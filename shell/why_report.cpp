@@ -3,7 +3,9 @@
 #include "core/cause_text.h"
 #include "core/diagnosis_json.h"
 #include "core/units_format.h"
+#include "shell/terminal_text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <ostream>
 #include <string_view>
@@ -12,17 +14,12 @@ namespace loadwarden {
 
 namespace {
 
+using TerminalText::displayWidth;
+using TerminalText::fitted;
+using TerminalText::padded;
+
 constexpr std::size_t lineWidth = 80;
 constexpr std::string_view cardIndent = "   ";
-
-// Characters as the terminal shows them: UTF-8 continuation bytes take no room.
-std::size_t displayWidth(std::string_view text) {
-    std::size_t width = 0;
-    for (const char byte : text) {
-        width += (static_cast<unsigned char>(byte) & 0xC0) != 0x80 ? 1 : 0;
-    }
-    return width;
-}
 
 // Words filled into lines of at most lineWidth, each line indented.
 std::string wrapped(std::string_view text, std::string_view indent) {
@@ -46,26 +43,6 @@ std::string wrapped(std::string_view text, std::string_view indent) {
         line += word;
     }
     return result + line + '\n';
-}
-
-std::string padded(std::string text, std::size_t width, bool rightAligned) {
-    const std::size_t shown = displayWidth(text);
-    const std::string padding(shown < width ? width - shown : 0, ' ');
-    return rightAligned ? padding + text : text + padding;
-}
-
-// Long names are cut at a character boundary and marked with a tilde.
-std::string fitted(const std::string& text, std::size_t width) {
-    if (displayWidth(text) <= width) {
-        return text;
-    }
-    std::size_t cut = 0;
-    for (std::size_t shown = 0; cut < text.size(); ++cut) {
-        if ((static_cast<unsigned char>(text[cut]) & 0xC0) != 0x80 && ++shown == width) {
-            break;
-        }
-    }
-    return text.substr(0, cut) + "~";
 }
 
 std::string wholeScore(double score) {

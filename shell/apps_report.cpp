@@ -111,7 +111,7 @@ std::string actionsCell(const ProcessGroup& group) {
         cell += (cell.empty() ? "" : ", ") + std::string(rawValue(action));
     }
     if (cell.empty()) {
-        cell = std::string(ProcessPolicy::reason(group).value_or("nothing to do now"));
+        cell = std::string(ProcessPolicy::reason(group).value_or(""));
     }
     return cell;
 }

@@ -7,7 +7,9 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace loadwarden {
 
@@ -15,42 +17,30 @@ namespace {
 
 constexpr std::size_t readChunk = 4096;
 
-class Descriptor {
-public:
-    explicit Descriptor(const std::string& path)
-        : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
-    ~Descriptor() {
-        if (fd_ >= 0) {
-            ::close(fd_);
+// Reads up to `limit` bytes from the start of an open file onto the end of `into`.
+bool readFromStart(int fd, std::string& into, std::size_t limit) {
+    std::size_t offset = 0;
+    while (limit > 0) {
+        const std::size_t start = into.size();
+        const std::size_t wanted = std::min(limit, readChunk);
+        into.resize(start + wanted);
+        const ssize_t got = ::pread(fd, into.data() + start, wanted, static_cast<off_t>(offset));
+        into.resize(start + static_cast<std::size_t>(got > 0 ? got : 0));
+        if (got < 0 && errno == EINTR) {
+            continue;
         }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool isOpen() const { return fd_ >= 0; }
-    // Reads up to `limit` more bytes onto the end of `into`; false on an error.
-    bool readInto(std::string& into, std::size_t limit) const {
-        while (limit > 0) {
-            const std::size_t start = into.size();
-            const std::size_t wanted = std::min(limit, readChunk);
-            into.resize(start + wanted);
-            const ssize_t got = ::read(fd_, into.data() + start, wanted);
-            if (got < 0 && errno == EINTR) {
-                into.resize(start);
-                continue;
-            }
-            into.resize(start + static_cast<std::size_t>(got > 0 ? got : 0));
-            if (got <= 0) {
-                return got == 0;
-            }
-            limit -= static_cast<std::size_t>(got);
+        if (got <= 0) {
+            return got == 0;
         }
-        return true;
+        offset += static_cast<std::size_t>(got);
+        limit -= static_cast<std::size_t>(got);
     }
+    return true;
+}
 
-private:
-    int fd_;
-};
+int openForReading(const std::string& path) {
+    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+}
 
 template <typename Visit>
 void forEachEntry(const std::string& directory, Visit&& visit) {
@@ -70,9 +60,8 @@ void forEachEntry(const std::string& directory, Visit&& visit) {
 } // namespace
 
 bool KernelFiles::read(const std::string& path, std::string& into) {
-    into.clear();
-    const Descriptor file(path);
-    return file.isOpen() && file.readInto(into, std::string::npos);
+    KeptFile file;
+    return file.read(path, into, false);
 }
 
 std::optional<std::string> KernelFiles::text(const std::string& path) {
@@ -84,9 +73,14 @@ std::optional<std::string> KernelFiles::text(const std::string& path) {
 }
 
 std::optional<std::string> KernelFiles::head(const std::string& path, std::size_t count) {
+    const int fd = openForReading(path);
+    if (fd < 0) {
+        return std::nullopt;
+    }
     std::string contents;
-    const Descriptor file(path);
-    if (!file.isOpen() || !file.readInto(contents, count)) {
+    const bool read = readFromStart(fd, contents, count);
+    ::close(fd);
+    if (!read) {
         return std::nullopt;
     }
     return contents;
@@ -100,6 +94,14 @@ std::optional<std::string> KernelFiles::linkTarget(const std::string& path) {
     }
     target.resize(static_cast<std::size_t>(length));
     return target;
+}
+
+std::optional<std::uint32_t> KernelFiles::owner(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return status.st_uid;
 }
 
 std::vector<std::string> KernelFiles::entries(const std::string& directory) {
@@ -116,6 +118,42 @@ std::vector<int> KernelFiles::processIDs() {
         }
     });
     return pids;
+}
+
+KeptFile::~KeptFile() {
+    close();
+}
+
+KeptFile::KeptFile(KeptFile&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+
+KeptFile& KeptFile::operator=(KeptFile&& other) noexcept {
+    if (this != &other) {
+        close();
+        fd_ = std::exchange(other.fd_, -1);
+    }
+    return *this;
+}
+
+bool KeptFile::read(const std::string& path, std::string& into, bool keep) {
+    into.clear();
+    if (fd_ >= 0 && readFromStart(fd_, into, std::string::npos) && !into.empty()) {
+        return true;
+    }
+    close();
+    into.clear();
+    fd_ = openForReading(path);
+    const bool read = fd_ >= 0 && readFromStart(fd_, into, std::string::npos);
+    if (!read || !keep) {
+        close();
+    }
+    return read;
+}
+
+void KeptFile::close() {
+    if (fd_ >= 0) {
+        ::close(fd_);
+        fd_ = -1;
+    }
 }
 
 } // namespace loadwarden

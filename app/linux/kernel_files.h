@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,6 +23,9 @@ std::optional<std::string> head(const std::string& path, std::size_t count);
 
 std::optional<std::string> linkTarget(const std::string& path);
 
+// The user id that owns a file or directory.
+std::optional<std::uint32_t> owner(const std::string& path);
+
 // The names in a directory, without "." and "..".
 std::vector<std::string> entries(const std::string& directory);
 
@@ -29,5 +33,27 @@ std::vector<std::string> entries(const std::string& directory);
 std::vector<int> processIDs();
 
 } // namespace KernelFiles
+
+// A file of one process held open from tick to tick: opening a /proc file
+// costs more than reading it. The open file stays bound to the process it was
+// opened for; once that process is gone it reads nothing.
+class KeptFile {
+public:
+    KeptFile() = default;
+    ~KeptFile();
+    KeptFile(KeptFile&& other) noexcept;
+    KeptFile& operator=(KeptFile&& other) noexcept;
+
+    // The whole file from its start into `into`. When the open file reads
+    // nothing, it is opened again by path, which finds a new process that
+    // took the pid. keep: whether it may stay open for the next tick.
+    bool read(const std::string& path, std::string& into, bool keep);
+    bool isOpen() const { return fd_ >= 0; }
+
+private:
+    void close();
+
+    int fd_ = -1;
+};
 
 } // namespace loadwarden

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "app/linux/kernel_files.h"
 #include "app/sampler_backend.h"
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace loadwarden {
@@ -18,14 +20,21 @@ public:
     ProcessFacts facts(const ProcessReading& process) const;
 
 private:
-    std::optional<ProcessReading> readOne(int pid);
+    // The files read on every tick, kept open while the process lives.
+    struct OpenFiles {
+        KeptFile stat;
+        KeptFile io;
+    };
+
+    std::optional<ProcessReading> readOne(int pid, OpenFiles& files, bool keep);
     std::uint64_t cpuTimeNs(int pid, std::uint64_t ticks) const;
 
     Date bootTime_;
     double ticksPerSecond_;
     std::uint64_t pageSize_;
+    std::size_t keepLimit_; // processes whose files may stay open
+    std::unordered_map<int, OpenFiles> open_;
     std::string stat_; // buffers reused from process to process
-    std::string status_;
     std::string io_;
 };
 

@@ -76,15 +76,6 @@ RunState runStateFromProcLetter(char letter) {
     }
 }
 
-std::optional<std::uint32_t> effectiveUIDFromStatus(std::string_view status) {
-    // Real, effective, saved and file-system ids, in that order.
-    const auto ids = splitFields(keyedValue(status, "Uid"));
-    if (ids.size() < 2) {
-        return std::nullopt;
-    }
-    return parseInteger<std::uint32_t>(ids[1]);
-}
-
 std::optional<ProcIO> parseProcIO(std::string_view text) {
     const auto read = parseInteger<std::uint64_t>(keyedValue(text, "read_bytes"));
     const auto written = parseInteger<std::uint64_t>(keyedValue(text, "write_bytes"));

@@ -34,9 +34,6 @@ struct ProcStat {
 
 RunState runStateFromProcLetter(char letter);
 
-// The effective user id from the "Uid:" line of /proc/PID/status.
-std::optional<std::uint32_t> effectiveUIDFromStatus(std::string_view status);
-
 // Storage-layer bytes from /proc/PID/io; both counters or nothing.
 struct ProcIO {
     std::uint64_t readBytes = 0;

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <sys/prctl.h>
@@ -232,6 +233,15 @@ TEST(LinuxSampler, ProcessListMatchesProcWithoutKernelThreads) {
             << "pid " << pid << " (" << commandName(pid) << ")";
     }
     EXPECT_TRUE(sampled.contains(getpid()));
+}
+
+TEST(LinuxSampler, ProcessThatEndsBetweenTicksIsGoneFromTheNext) {
+    auto sampler = machineSampler();
+    std::optional<Child> child(std::in_place, sleepForever);
+    const pid_t pid = child->pid();
+    EXPECT_TRUE(find(sampleNow(sampler), pid));
+    child.reset(); // killed and reaped; the files kept open for it now read nothing
+    EXPECT_FALSE(find(sampleNow(sampler), pid));
 }
 
 TEST(LinuxSampler, OwnRecordAgreesWithProcStatus) {

@@ -45,11 +45,7 @@ TEST(ProcStat, StateLetters) {
     EXPECT_EQ(runStateFromProcLetter('X'), RunState::other);
 }
 
-TEST(ProcFiles, EffectiveUIDAndDiskCounters) {
-    EXPECT_EQ(effectiveUIDFromStatus("Name:\tsu\nUmask:\t0022\nUid:\t1000\t0\t0\t0\nGid:\t0\n"),
-              0u);
-    EXPECT_FALSE(effectiveUIDFromStatus("Name:\tx\nGid:\t0\t0\t0\t0\n"));
-
+TEST(ProcFiles, DiskCounters) {
     const auto io = parseProcIO("rchar: 9000\nwchar: 800\nsyscr: 1\nsyscw: 2\nread_bytes: 4096\n"
                                 "write_bytes: 8192\ncancelled_write_bytes: 0\n");
     ASSERT_TRUE(io);

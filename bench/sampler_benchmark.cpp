@@ -1,0 +1,112 @@
+// The processor time of one full sampler tick, on the machine as it is and
+// with 1,000 extra sleeping processes, beside one run of ps listing the same
+// processes. Figures are per iteration: cpu_ms is processor time (all of this
+// program's threads for a tick, the child's own for ps), cpu_us_per_process
+// the same divided by the processes seen.
+
+#include "app/sampler.h"
+#include "app/spawn.h"
+
+#include <benchmark/benchmark.h>
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+namespace loadwarden {
+namespace {
+
+// Children that sleep until the benchmark is done with them.
+class SleepingProcesses {
+public:
+    explicit SleepingProcesses(std::int64_t count) {
+        for (std::int64_t i = 0; i < count; ++i) {
+            const pid_t pid = fork();
+            if (pid == 0) {
+#ifdef __linux__
+                prctl(PR_SET_PDEATHSIG, SIGKILL); // never outlive a benchmark that crashed
+#endif
+                while (true) {
+                    pause();
+                }
+            }
+            if (pid > 0) {
+                pids_.push_back(pid);
+            }
+        }
+    }
+    ~SleepingProcesses() {
+        for (const pid_t pid : pids_) {
+            kill(pid, SIGKILL);
+        }
+        for (const pid_t pid : pids_) {
+            waitpid(pid, nullptr, 0);
+        }
+    }
+    SleepingProcesses(const SleepingProcesses&) = delete;
+    SleepingProcesses& operator=(const SleepingProcesses&) = delete;
+
+private:
+    std::vector<pid_t> pids_;
+};
+
+double ownCPUSeconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+void report(benchmark::State& state, double cpuSeconds, std::size_t processes) {
+    const double iterations = static_cast<double>(state.iterations());
+    state.counters["cpu_ms"] = cpuSeconds * 1e3 / iterations;
+    state.counters["processes"] = static_cast<double>(processes);
+    state.counters["cpu_us_per_process"] =
+        cpuSeconds * 1e6 / iterations / static_cast<double>(processes);
+}
+
+void BM_SamplerTick(benchmark::State& state) {
+    const SleepingProcesses extra(state.range(0));
+    Sampler sampler(makePlatformBackend(), nullptr, currentDate);
+    // The first tick reads every process's lasting facts; later ones reuse them.
+    sampler.sample(true, false, 1.0).get();
+    double cpuSeconds = 0.0;
+    std::size_t processes = 0;
+    for (auto _ : state) {
+        const double before = ownCPUSeconds();
+        const Snapshot snapshot = sampler.sample(true, false, 1.0).get();
+        cpuSeconds += ownCPUSeconds() - before;
+        processes = snapshot.processes.size();
+    }
+    report(state, cpuSeconds, processes);
+}
+
+void BM_PsRun(benchmark::State& state) {
+    const SleepingProcesses extra(state.range(0));
+    double cpuSeconds = 0.0;
+    std::size_t processes = 0;
+    for (auto _ : state) {
+        const auto result = Spawn::run(
+            "/bin/ps", {"-axo", "pid=,ppid=,uid=,rss=,time=,state=,comm="}, 20.0, std::nullopt);
+        if (!result) {
+            state.SkipWithError("ps could not be run");
+            return;
+        }
+        cpuSeconds += result->cpuSeconds;
+        processes = static_cast<std::size_t>(
+            std::count(result->output.begin(), result->output.end(), '\n'));
+    }
+    report(state, cpuSeconds, processes);
+}
+
+BENCHMARK(BM_SamplerTick)->Arg(0)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_PsRun)->Arg(0)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+} // namespace
+} // namespace loadwarden

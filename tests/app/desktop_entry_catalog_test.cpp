@@ -14,7 +14,6 @@ namespace fs = std::filesystem;
 class DesktopEntryCatalogTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        root = fs::temp_directory_path() / ("loadwarden-entries-" + std::to_string(getpid()));
         fs::remove_all(root);
         fs::create_directories(user);
         fs::create_directories(system / "kde");
@@ -26,9 +25,10 @@ protected:
                             << "\nName[fr]=" << name << " (fr)\n";
     }
 
-    fs::path root;
-    fs::path user = root / "home/applications";
-    fs::path system = root / "usr/applications";
+    const fs::path root =
+        fs::temp_directory_path() / ("loadwarden-entries-" + std::to_string(getpid()));
+    const fs::path user = root / "home/applications";
+    const fs::path system = root / "usr/applications";
 };
 
 TEST_F(DesktopEntryCatalogTest, TheUsersOwnEntryWinsAndSubfoldersJoinTheId) {

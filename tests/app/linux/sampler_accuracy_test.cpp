@@ -29,6 +29,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
+// The instruction set this suite was built for, as the sampler names it.
+constexpr Architecture builtFor =
+#if defined(__x86_64__) || defined(__i386__)
+    Architecture::intel;
+#elif defined(__aarch64__) || defined(__arm__)
+    Architecture::appleSilicon;
+#else
+    Architecture::unknown;
+#endif
+
 // A child process that runs `body` and is killed and reaped when it goes out of scope.
 class Child {
 public:
@@ -219,10 +229,16 @@ TEST(LinuxSampler, ProcessListMatchesProcWithoutKernelThreads) {
         sampled.insert(live.record.pid);
     }
     EXPECT_EQ(sampled.size(), snapshot.processes.size()) << "a pid listed twice";
-    // Kernel threads are kthreadd and its children.
-    auto isKernelThread = [](pid_t pid) {
+    // Kernel threads are kthreadd and its children; a container sees none of them.
+    pid_t kthreadd = -1;
+    for (const pid_t pid : before) {
+        if (commandName(pid) == "kthreadd" && statFields(pid).at(4) == "0") {
+            kthreadd = pid;
+        }
+    }
+    auto isKernelThread = [kthreadd](pid_t pid) {
         const auto fields = statFields(pid);
-        return pid == 2 || (fields.size() > 4 && fields[4] == "2");
+        return pid == kthreadd || (fields.size() > 4 && fields[4] == std::to_string(kthreadd));
     };
     for (const pid_t pid : before) {
         if (!after.contains(pid)) {
@@ -264,7 +280,7 @@ TEST(LinuxSampler, OwnRecordAgreesWithProcStatus) {
     EXPECT_EQ(self->record.uid, geteuid());
     EXPECT_TRUE(self->record.isOwn);
     EXPECT_EQ(self->record.path, std::filesystem::canonical("/proc/self/exe").string());
-    EXPECT_EQ(self->record.arch, Architecture::intel) << "this suite runs on x86-64";
+    EXPECT_EQ(self->record.arch, builtFor);
     EXPECT_TRUE(self->record.diskReadBytes);
     EXPECT_EQ(self->record.responsiblePID, getpid());
 
@@ -443,7 +459,8 @@ TEST(LinuxSampler, WhatTheKernelKeepsFromAnUnprivilegedUserStaysAbsent) {
     EXPECT_NE(seen.find("root uid=0 disk=0 path=0 arch=unknown memory=1 threads=1 started=1\n"),
               std::string::npos)
         << seen;
-    EXPECT_NE(seen.find("self uid=65534 disk=1 path=1 arch=intel memory=1 threads=1 started=1\n"),
+    EXPECT_NE(seen.find("self uid=65534 disk=1 path=1 arch=" + std::string(rawValue(builtFor)) +
+                        " memory=1 threads=1 started=1\n"),
               std::string::npos)
         << seen;
 }

@@ -5,6 +5,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>

@@ -2,45 +2,99 @@
 
 #include "core/text_parsing.h"
 
-#include <utility>
+#include <algorithm>
+#include <cmath>
 
 namespace loadwarden {
 
-std::string ArgumentList::take() {
-    std::string argument = arguments_[next_++];
-    attachedValue_.reset();
-    const std::size_t equals = argument.find('=');
-    if (argument.rfind("--", 0) == 0 && equals != std::string::npos) {
-        attachedValue_ = argument.substr(equals + 1);
-        argument.resize(equals);
-    }
-    return argument;
+namespace {
+
+std::string wholeNumber(double value) {
+    return std::to_string(std::llround(value));
 }
 
-std::optional<std::string> ArgumentList::takeValue() {
-    if (attachedValue_) {
-        return std::exchange(attachedValue_, std::nullopt);
-    }
-    if (atEnd()) {
-        return std::nullopt;
-    }
-    return arguments_[next_++];
+} // namespace
+
+OptionParser& OptionParser::help(bool& target) {
+    flag("--help", target);
+    return flag("-h", target);
 }
 
-std::optional<double> parsePositiveSeconds(std::string_view text) {
-    const auto seconds = parseDecimal(text);
-    if (!seconds || !(*seconds > 0.0)) {
-        return std::nullopt;
-    }
-    return seconds;
+OptionParser& OptionParser::flag(std::string name, bool& target) {
+    options_.push_back({std::move(name), std::nullopt, [&target](const std::string&) {
+                            target = true;
+                            return std::optional<std::string>();
+                        }});
+    return *this;
 }
 
-std::optional<int> parsePositiveCount(std::string_view text) {
-    const auto count = parseInteger<int>(text);
-    if (!count || *count < 1) {
-        return std::nullopt;
+OptionParser& OptionParser::seconds(std::string name, Seconds& target, Seconds longest) {
+    return valued(std::move(name), "a number of seconds",
+                  [&target, longest](const std::string& value) -> std::optional<std::string> {
+                      const auto seconds = parseDecimal(value);
+                      if (!seconds || !(*seconds > 0.0) || *seconds > longest) {
+                          return "takes seconds above 0 and up to " + wholeNumber(longest);
+                      }
+                      target = *seconds;
+                      return std::nullopt;
+                  });
+}
+
+OptionParser& OptionParser::count(std::string name, int& target) {
+    return valued(std::move(name), "a number",
+                  [&target](const std::string& value) -> std::optional<std::string> {
+                      const auto count = parseInteger<int>(value);
+                      if (!count || *count < 1) {
+                          return "takes a whole number of at least 1";
+                      }
+                      target = *count;
+                      return std::nullopt;
+                  });
+}
+
+OptionParser& OptionParser::text(std::string name, std::string& target, std::string what) {
+    return valued(std::move(name), std::move(what), [&target](const std::string& value) {
+        target = value;
+        return std::optional<std::string>();
+    });
+}
+
+OptionParser& OptionParser::valued(std::string name, std::string missingValue, Apply apply) {
+    options_.push_back({std::move(name), "needs " + std::move(missingValue), std::move(apply)});
+    return *this;
+}
+
+std::optional<std::string> OptionParser::parse(const std::vector<std::string>& arguments) const {
+    for (std::size_t next = 0; next < arguments.size();) {
+        std::string name = arguments[next++];
+        std::optional<std::string> attached;
+        if (const std::size_t equals = name.find('=');
+            name.rfind("--", 0) == 0 && equals != std::string::npos) {
+            attached = name.substr(equals + 1);
+            name.resize(equals);
+        }
+        const auto option = std::find_if(options_.begin(), options_.end(),
+                                         [&name](const Option& o) { return o.name == name; });
+        if (option == options_.end()) {
+            return name.rfind('-', 0) == 0 ? "unknown option '" + name + "'"
+                                           : "unexpected argument '" + name + "'";
+        }
+        if (!option->missingValue) {
+            if (attached) {
+                return name + " takes no value";
+            }
+            option->apply({});
+            continue;
+        }
+        if (!attached && next == arguments.size()) {
+            return name + " " + *option->missingValue;
+        }
+        const std::string value = attached ? *attached : arguments[next++];
+        if (const auto problem = option->apply(value)) {
+            return name + " " + *problem + ", not '" + value + "'";
+        }
     }
-    return count;
+    return std::nullopt;
 }
 
 } // namespace loadwarden

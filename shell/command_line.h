@@ -1,11 +1,17 @@
 #pragma once
 
-// Reading a command's options: values of options and the errors that a user
-// sees for bad ones.
+// Reading a command's options: each command declares its options once, and
+// the parser fills them or says in one line what was wrong.
 
+#include "core/date.h"
+#include "core/raw_value.h"
+
+#include <functional>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 namespace loadwarden {
@@ -14,29 +20,84 @@ constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-// The arguments of one command, consumed front to back.
-class ArgumentList {
+class OptionParser {
 public:
-    explicit ArgumentList(const std::vector<std::string>& arguments) : arguments_(arguments) {}
+    // "--help" and "-h".
+    OptionParser& help(bool& target);
+    OptionParser& flag(std::string name, bool& target);
+    // Seconds above 0 and up to `longest`, such as "2" or "0.5".
+    OptionParser& seconds(std::string name, Seconds& target, Seconds longest);
+    // A whole number of at least 1.
+    OptionParser& count(std::string name, int& target);
+    // Free text; `what` completes "--name needs …".
+    OptionParser& text(std::string name, std::string& target, std::string what);
 
-    bool atEnd() const { return next_ == arguments_.size(); }
-    // The next argument; for "--name=value" only "--name", its value waiting.
-    std::string take();
-    // The value of the option just taken: after "=" or the next argument.
-    std::optional<std::string> takeValue();
-    // The option just taken came with "=value".
-    bool hasAttachedValue() const { return attachedValue_.has_value(); }
+    // One of an enumeration's raw values; `what` completes "--name needs …: a, b or c".
+    template <HasRawValues Enum>
+    OptionParser& choice(std::string name, Enum& target, std::string what) {
+        std::string names;
+        const auto cases = allCases<Enum>();
+        for (std::size_t i = 0; i < cases.size(); ++i) {
+            names += (i == 0 ? "" : i + 1 == cases.size() ? " or " : ", ");
+            names += rawValue(cases[i]);
+        }
+        return valued(std::move(name), what + ": " + names,
+                      [&target, names](const std::string& value) -> std::optional<std::string> {
+                          const auto parsed = fromRawValue<Enum>(value);
+                          if (!parsed) {
+                              return "takes " + names;
+                          }
+                          target = *parsed;
+                          return std::nullopt;
+                      });
+    }
+
+    // Options as "--name value" or "--name=value". The message for the first
+    // bad argument, or nothing when every argument was good.
+    std::optional<std::string> parse(const std::vector<std::string>& arguments) const;
+
+    // The same for a command's options struct, whose fields are the targets.
+    template <typename Options>
+    std::variant<Options, std::string> parse(const std::vector<std::string>& arguments,
+                                             const Options& filled) const {
+        if (auto message = parse(arguments)) {
+            return *message;
+        }
+        return filled;
+    }
 
 private:
-    const std::vector<std::string>& arguments_;
-    std::size_t next_ = 0;
-    std::optional<std::string> attachedValue_;
+    // Stores a value, or says what the option takes ("takes …").
+    using Apply = std::function<std::optional<std::string>(const std::string& value)>;
+
+    struct Option {
+        std::string name;
+        std::optional<std::string> missingValue; // "needs …"; absent for a flag
+        Apply apply;
+    };
+
+    OptionParser& valued(std::string name, std::string missingValue, Apply apply);
+
+    std::vector<Option> options_;
 };
 
-// A number of seconds above zero, such as "2" or "0.5".
-std::optional<double> parsePositiveSeconds(std::string_view text);
-
-// A whole number of at least 1.
-std::optional<int> parsePositiveCount(std::string_view text);
+// Runs one command on its parsed options: reports a bad command line on
+// `err` with the usage, answers --help, and otherwise calls run(options).
+template <typename Options, typename Run>
+int runCommand(std::string_view command, std::string_view usage,
+               const std::variant<Options, std::string>& parsed, std::ostream& out,
+               std::ostream& err, Run&& run) {
+    if (const auto* message = std::get_if<std::string>(&parsed)) {
+        err << "loadwarden " << command << ": " << *message << '\n' << usage;
+        return exitUsage;
+    }
+    const auto& options = std::get<Options>(parsed);
+    if (options.help) {
+        out << usage;
+        return exitSuccess;
+    }
+    run(options);
+    return out ? exitSuccess : exitFailure;
+}
 
 } // namespace loadwarden

@@ -1,15 +1,13 @@
 #include "app/running_apps.h"
-#include "app/sampler.h"
 #include "core/diagnosis.h"
 #include "core/process_policy.h"
 #include "shell/command_line.h"
 #include "shell/commands.h"
+#include "shell/readings.h"
 #include "shell/why_options.h"
 #include "shell/why_report.h"
 
-#include <chrono>
 #include <ostream>
-#include <thread>
 #include <unistd.h>
 
 namespace loadwarden {
@@ -17,14 +15,6 @@ namespace loadwarden {
 namespace {
 
 constexpr std::size_t busiestCount = 5;
-
-// Rates need two readings; the second is the one explained.
-Snapshot secondReading(Seconds interval) {
-    Sampler sampler;
-    sampler.sample(true, false, interval).get();
-    std::this_thread::sleep_for(std::chrono::duration<double>(interval));
-    return sampler.sample(true, false, interval).get();
-}
 
 WhyReport diagnose(const Snapshot& snapshot, std::size_t maxCount) {
     RunningApps runningApps;
@@ -46,24 +36,16 @@ WhyReport diagnose(const Snapshot& snapshot, std::size_t maxCount) {
 } // namespace
 
 int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
-    const auto parsed = parseWhyOptions(arguments);
-    if (const auto* message = std::get_if<std::string>(&parsed)) {
-        err << "loadwarden why: " << *message << '\n' << whyUsage;
-        return exitUsage;
-    }
-    const auto& options = std::get<WhyOptions>(parsed);
-    if (options.help) {
-        out << whyUsage;
-        return exitSuccess;
-    }
-    const WhyReport report =
-        diagnose(secondReading(options.interval), static_cast<std::size_t>(options.maxCount));
-    if (options.json) {
-        printWhyJSON(report, out);
-    } else {
-        printWhyReport(report, out);
-    }
-    return out ? exitSuccess : exitFailure;
+    return runCommand(
+        "why", whyUsage, parseWhyOptions(arguments), out, err, [&out](const WhyOptions& options) {
+            const WhyReport report = diagnose(lastOfReadings(2, options.interval, false),
+                                              static_cast<std::size_t>(options.maxCount));
+            if (options.json) {
+                printWhyJSON(report, out);
+            } else {
+                printWhyReport(report, out);
+            }
+        });
 }
 
 } // namespace loadwarden

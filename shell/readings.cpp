@@ -1,0 +1,24 @@
+#include "shell/readings.h"
+
+#include "app/sampler.h"
+
+#include <chrono>
+#include <thread>
+
+namespace loadwarden {
+
+Snapshot lastOfReadings(int ticks, Seconds interval, bool networkShown) {
+    using Clock = std::chrono::steady_clock;
+    Sampler sampler;
+    const auto first = Clock::now();
+    const auto period = std::chrono::duration<double>(interval);
+    Snapshot snapshot;
+    for (int tick = 0; tick < ticks; ++tick) {
+        std::this_thread::sleep_until(first +
+                                      std::chrono::duration_cast<Clock::duration>(period * tick));
+        snapshot = sampler.sample(true, networkShown, interval).get();
+    }
+    return snapshot;
+}
+
+} // namespace loadwarden

@@ -1,6 +1,7 @@
 #include "app/darwin/darwin_system.h"
 
 #include "app/clock.h"
+#include "app/darwin/foundation_figures.h"
 #include "app/darwin/kernel_settings.h"
 #include "app/darwin/registry.h"
 #include "core/checked_arithmetic.h"
@@ -212,6 +213,18 @@ std::optional<BatteryInfo> DarwinSystem::battery() const {
     }
     addSmartBatteryFigures(*figures);
     return batteryInfoFromPowerSource(*figures);
+}
+
+ThermalLevel DarwinSystem::thermal() const {
+    return FoundationFigures::thermalLevel();
+}
+
+bool DarwinSystem::lowPowerMode() const {
+    return FoundationFigures::lowPowerMode();
+}
+
+std::optional<DiskSpace> DarwinSystem::diskSpace() const {
+    return FoundationFigures::startupVolumeSpace();
 }
 
 Seconds DarwinSystem::uptime() const {

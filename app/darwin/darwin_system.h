@@ -18,7 +18,10 @@ public:
     std::optional<ByteCounters> diskCounters() const;
     std::optional<ByteCounters> interfaceCounters() const;
     std::optional<BatteryInfo> battery() const;
+    ThermalLevel thermal() const;
+    bool lowPowerMode() const;
     Seconds uptime() const;
+    std::optional<DiskSpace> diskSpace() const;
 
 private:
     host_t host_;

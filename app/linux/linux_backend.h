@@ -2,31 +2,10 @@
 
 #include "app/linux/linux_processes.h"
 #include "app/linux/linux_system.h"
-#include "app/sampler_backend.h"
+#include "app/platform_backend.h"
 
 namespace loadwarden {
 
-class LinuxBackend final : public SamplerBackend {
-public:
-    std::uint32_t currentUID() override;
-    std::vector<ProcessReading> processes() override;
-    ProcessFacts facts(const ProcessReading& process) override;
-    std::optional<std::string> userName(std::uint32_t uid) override;
-
-    ProcessorReading processors() override;
-    MemoryStats memory() override;
-    std::optional<double> gpu() override;
-    std::optional<ByteCounters> diskCounters() override;
-    std::optional<ByteCounters> interfaceCounters() override;
-    std::optional<BatteryInfo> battery() override;
-    ThermalLevel thermal() override;
-    bool lowPowerMode() override;
-    Seconds uptime() override;
-    std::optional<DiskSpace> diskSpace() override;
-
-private:
-    LinuxProcesses processes_;
-    LinuxSystem system_;
-};
+using LinuxBackend = PlatformBackend<LinuxProcesses, LinuxSystem>;
 
 } // namespace loadwarden

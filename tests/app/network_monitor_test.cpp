@@ -69,13 +69,12 @@ TEST_F(NetworkMonitorTest, RatesFollowTheSecondGoodRunUntilTheyGoStale) {
     EXPECT_FALSE(monitor.rates(watched, currentDate() + 23.0));
 }
 
-TEST_F(NetworkMonitorTest, KilledRunCountsItsCostAndSlowsRunsButItsOutputIsNeverUsed) {
+TEST_F(NetworkMonitorTest, KilledRunSlowsRunsButItsOutputIsNeverUsed) {
     runTwice();
     const auto before = monitor.rates(watched, currentDate());
     *script = "echo a.10,999999,999999,; sleep 10";
     monitor.poke(watched, start + 12.0);
     waitForRuns(monitor, 3);
-    EXPECT_GE(monitor.totalCPU(), 0.0);
     EXPECT_EQ(monitor.rates(watched, currentDate()), before);
     // Four times the gap: the same rates stay fresh for 2 × 24 + 10 s.
     EXPECT_TRUE(monitor.rates(watched, currentDate() + 50.0));

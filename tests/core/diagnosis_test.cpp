@@ -1,6 +1,7 @@
 #include "core/diagnosis.h"
 #include "process_fixtures.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace loadwarden {
@@ -46,26 +47,23 @@ protected:
     }
 };
 
-TEST_F(DiagnosisOfARefresh, RunawayJobIsPausableAndTheKernelIsLeftAlone) {
-    const auto causes = Explainer::explain(picture(), 5);
+TEST_F(DiagnosisOfARefresh, RunawayJobIsPausableUnlessPausedAndTheKernelIsLeftAlone) {
+    auto causes = Explainer::explain(picture(), 5);
     ASSERT_EQ(causes.size(), 2u);
     EXPECT_EQ(causes[0].appName, "kworker/u16:2");
     EXPECT_EQ(causes[0].fix, std::nullopt);
     EXPECT_EQ(causes[1].appKey, "pid:200");
     EXPECT_EQ(causes[1].fix, Fix::pause("pid:200"));
-}
 
-TEST_F(DiagnosisOfARefresh, PausedJobCanOnlyBeQuit) {
     processes[1].record.state = RunState::stopped;
-    const auto causes = Explainer::explain(picture(), 5);
+    causes = Explainer::explain(picture(), 5);
     ASSERT_EQ(causes.size(), 2u);
     EXPECT_EQ(causes[1].fix, Fix::quit("pid:200"));
 }
 
 TEST_F(DiagnosisOfARefresh, AppsAddUpTheirHelpers) {
     const auto apps = picture().apps;
-    const auto safari = std::find_if(apps.begin(), apps.end(),
-                                     [](const ExplainerApp& app) { return app.name == "Safari"; });
+    const auto safari = std::ranges::find(apps, "Safari", &ExplainerApp::name);
     ASSERT_NE(safari, apps.end());
     EXPECT_EQ(safari->cpuPercent, 20);
     EXPECT_EQ(safari->memoryBytes, 1'500'000'000u);
@@ -93,9 +91,7 @@ TEST_F(DiagnosisOfARefresh, LeakFoundInTheAlertHistoryIsNamedWithARelaunch) {
         now += 60;
     }
     const auto causes = Explainer::explain(picture(history), 5);
-    const auto leak = std::find_if(causes.begin(), causes.end(), [](const Cause& cause) {
-        return cause.kind == Cause::Kind::appLeak;
-    });
+    const auto leak = std::ranges::find(causes, Cause::Kind::appLeak, &Cause::kind);
     ASSERT_NE(leak, causes.end());
     EXPECT_NEAR(leak->extra, 1.2e9, 1e3);
     EXPECT_EQ(leak->fix, Fix::relaunch("pid:200"));

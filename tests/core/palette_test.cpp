@@ -29,9 +29,7 @@ TEST(FuzzyMatch, NoMatchWhenLettersAreMissingOrScattered) {
 // What the window offers with Safari and Slack running.
 std::vector<PaletteEntry> commands() {
     const auto app = [](std::string verb, std::string name, int pid, PaletteRisk risk) {
-        const std::string prefix = verb == "Show" ? "show:" : verb == "Pause" ? "pause:" : "act:";
-        return PaletteEntry{
-            prefix + name, std::move(verb), name, "pid " + std::to_string(pid), risk, 1};
+        return PaletteEntry{verb + ":" + name, verb, name, "pid " + std::to_string(pid), risk, 1};
     };
     return {
         {"tab:processes", "Go to ", "Processes", "", PaletteRisk::navigate, 5},
@@ -63,8 +61,8 @@ TEST(PaletteRanker, AppNameListsHarmlessCommandsFirst) {
 }
 
 TEST(PaletteRanker, VerbAndTargetTogetherPickOneCommand) {
-    EXPECT_EQ(PaletteRanker::rank(commands(), "pause saf", 1)[0].id, "pause:Safari");
-    EXPECT_EQ(PaletteRanker::rank(commands(), "  Pause Sl ", 1)[0].id, "pause:Slack");
+    EXPECT_EQ(PaletteRanker::rank(commands(), "pause saf", 1)[0].id, "Pause:Safari");
+    EXPECT_EQ(PaletteRanker::rank(commands(), "  Pause Sl ", 1)[0].id, "Pause:Slack");
     EXPECT_EQ(PaletteRanker::rank(commands(), "force saf", 1)[0].verb, "Force Quit");
     EXPECT_EQ(PaletteRanker::rank(commands(), "go hist", 1)[0].id, "tab:history");
 }
@@ -92,7 +90,7 @@ TEST(PaletteRanker, ListsACommandOnceAndDropsWhatDoesNotMatch) {
     entries.back().id = "show:again";
     const auto found = PaletteRanker::rank(entries, "show saf", 10);
     ASSERT_EQ(found.size(), 1u);
-    EXPECT_EQ(found[0].id, "show:Safari");
+    EXPECT_EQ(found[0].id, "Show:Safari");
     EXPECT_TRUE(PaletteRanker::rank(entries, "zzz", 10).empty());
 }
 

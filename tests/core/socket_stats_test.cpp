@@ -18,29 +18,18 @@ TEST(SocketStats, ReadsOwnedSocketsOfACapturedListing) {
     // Captured as an unprivileged user: the first connection belongs to
     // another user and shows no owners. The second socket of the second
     // connection is held by a parent and its forked child.
-    const auto sockets = SocketStats::parse(captured("ss_output.txt"));
-    EXPECT_EQ(sockets, (std::vector<SocketBytes>{
-                           {.local = "127.0.0.1:47176",
-                            .peer = "127.0.0.1:53203",
-                            .owners = {{13276, "curl"}},
-                            .bytesIn = 1200,
-                            .bytesOut = 250000},
-                           {.local = "127.0.0.1:53203",
-                            .peer = "127.0.0.1:47176",
-                            .owners = {{13280, "Web Content wor"}, {13277, "Web Content"}},
-                            .bytesIn = 250000,
-                            .bytesOut = 1200},
-                           {.local = "[::1]:49074",
-                            .peer = "[::1]:53071",
-                            .owners = {{13278, "ssh"}},
-                            .bytesIn = 70000,
-                            .bytesOut = 4096},
-                           {.local = "[::1]:53071",
-                            .peer = "[::1]:49074",
-                            .owners = {{13279, "sshd: user"}},
-                            .bytesIn = 4096,
-                            .bytesOut = 70000},
-                       }));
+    // Local address, peer, owners, bytes in and out.
+    EXPECT_EQ(SocketStats::parse(captured("ss_output.txt")),
+              (std::vector<SocketBytes>{
+                  {"127.0.0.1:47176", "127.0.0.1:53203", {{13276, "curl"}}, 1200, 250000},
+                  {"127.0.0.1:53203",
+                   "127.0.0.1:47176",
+                   {{13280, "Web Content wor"}, {13277, "Web Content"}},
+                   250000,
+                   1200},
+                  {"[::1]:49074", "[::1]:53071", {{13278, "ssh"}}, 70000, 4096},
+                  {"[::1]:53071", "[::1]:49074", {{13279, "sshd: user"}}, 4096, 70000},
+              }));
 }
 
 TEST(SocketStats, SkipsUnreadableSocketsOneByOne) {
@@ -62,14 +51,8 @@ TEST(SocketStats, SkipsUnreadableSocketsOneByOne) {
         "ESTAB 0 0 10.0.0.1:13 10.0.0.2:14 users:((\"cut\",pid=7,fd=3))\n"
         "\t bytes_received:12";
     EXPECT_EQ(SocketStats::parse(output),
-              (std::vector<SocketBytes>{
-                  {.local = "10.0.0.1:9",
-                   .peer = "10.0.0.2:10",
-                   .owners = {{5, "kept"}},
-                   .bytesIn = 7,
-                   .bytesOut = 40},
-                  {.local = "10.0.0.1:11", .peer = "10.0.0.2:12", .owners = {{6, "quiet"}}},
-              }));
+              (std::vector<SocketBytes>{{"10.0.0.1:9", "10.0.0.2:10", {{5, "kept"}}, 7, 40},
+                                        {"10.0.0.1:11", "10.0.0.2:12", {{6, "quiet"}}}}));
 }
 
 } // namespace

@@ -20,20 +20,13 @@ Outcome run(const std::vector<std::string>& arguments) {
     return {status, out.str(), err.str()};
 }
 
-TEST(SnapshotOptions, DefaultsAndEveryWayOfGivingValues) {
-    const auto defaults = std::get<SnapshotOptions>(parseSnapshotOptions({}));
-    EXPECT_FALSE(defaults.json);
-    EXPECT_EQ(defaults.interval, 1.0);
-    EXPECT_EQ(defaults.ticks, 2);
-
+TEST(SnapshotOptions, ValuesGivenEitherWayAndBadOnesSayWhatWasWrong) {
     const auto given = std::get<SnapshotOptions>(
         parseSnapshotOptions({"--ticks", "5", "--json", "--interval=0.5"}));
     EXPECT_TRUE(given.json);
     EXPECT_EQ(given.interval, 0.5);
     EXPECT_EQ(given.ticks, 5);
-}
 
-TEST(SnapshotOptions, BadValuesSayWhatWasWrong) {
     const std::pair<std::vector<std::string>, std::string> cases[] = {
         {{"--interval"}, "--interval needs a number of seconds"},
         {{"--interval", "0"}, "--interval takes seconds above 0 and up to 86400, not '0'"},
@@ -50,8 +43,8 @@ TEST(SnapshotOptions, BadValuesSayWhatWasWrong) {
     };
     for (const auto& [arguments, message] : cases) {
         const auto parsed = parseSnapshotOptions(arguments);
-        ASSERT_TRUE(std::holds_alternative<std::string>(parsed)) << message;
-        EXPECT_EQ(std::get<std::string>(parsed), message);
+        const auto* error = std::get_if<std::string>(&parsed);
+        EXPECT_EQ(error ? *error : "accepted", message);
     }
 }
 

@@ -6,19 +6,20 @@
 #include "app/sampler.h"
 
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <set>
 #include <sstream>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/statvfs.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -28,6 +29,7 @@ namespace loadwarden {
 namespace {
 
 using namespace std::chrono_literals;
+using ::testing::HasSubstr;
 
 // The instruction set this suite was built for, as the sampler names it.
 constexpr Architecture builtFor =
@@ -39,58 +41,42 @@ constexpr Architecture builtFor =
     Architecture::unknown;
 #endif
 
+constexpr std::uint32_t nobody = 65534;
+
 // A child process that runs `body` and is killed and reaped when it goes out of scope.
-class Child {
-public:
-    explicit Child(const std::function<void()>& body) : pid_(fork()) {
-        if (pid_ == 0) {
+struct Child {
+    const pid_t pid;
+    explicit Child(const std::function<void()>& body) : pid(fork()) {
+        if (pid == 0) {
             body();
             _exit(0);
         }
     }
     ~Child() {
-        kill(pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
     }
     Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    pid_t pid() const { return pid_; }
-
-private:
-    pid_t pid_;
 };
 
 // A one-way signal from a child to the test or back.
-class Pipe {
-public:
-    Pipe() { EXPECT_EQ(pipe(ends_), 0); }
+struct Pipe {
+    int ends[2]{-1, -1};
+    Pipe() { EXPECT_EQ(pipe(ends), 0); }
     ~Pipe() {
-        close(ends_[0]);
-        close(ends_[1]);
+        close(ends[0]);
+        close(ends[1]);
     }
-    void send(char byte = '!') const { EXPECT_EQ(write(ends_[1], &byte, 1), 1); }
-    void sendText(const std::string& text) const {
-        EXPECT_EQ(write(ends_[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    void send(const std::string& text = "!") const {
+        EXPECT_EQ(write(ends[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
     }
-    void wait() const {
-        char byte = 0;
-        EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    // What one send() sent, when that fits a pipe's single write.
+    std::string wait() const {
+        char buffer[PIPE_BUF];
+        const ssize_t got = read(ends[0], buffer, sizeof buffer);
+        EXPECT_GT(got, 0);
+        return {buffer, static_cast<std::size_t>(std::max<ssize_t>(got, 0))};
     }
-    // Everything sent until every writer has gone.
-    std::string readAll() {
-        close(std::exchange(ends_[1], -1));
-        std::string text;
-        char buffer[256];
-        ssize_t got = 0;
-        while ((got = read(ends_[0], buffer, sizeof buffer)) > 0) {
-            text.append(buffer, static_cast<std::size_t>(got));
-        }
-        return text;
-    }
-
-private:
-    int ends_[2]{-1, -1};
 };
 
 [[noreturn]] void sleepForever() {
@@ -99,11 +85,22 @@ private:
     }
 }
 
+[[noreturn]] void spinForever() {
+    // First in line for a core, so that a busy shared machine still gives it one.
+    setpriority(PRIO_PROCESS, 0, -20);
+    volatile std::uint64_t spins = 0;
+    while (true) {
+        spins = spins + 1;
+    }
+}
+
 std::string fileText(const std::string& path) {
     std::ifstream file(path);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string procFile(pid_t pid, const std::string& name) {
+    return "/proc/" + std::to_string(pid) + "/" + name;
 }
 
 // A "Key:  value" figure of a /proc file, as a number.
@@ -120,7 +117,7 @@ std::uint64_t keyedNumber(const std::string& path, const std::string& key) {
 
 // Fields of /proc/PID/stat after the command, numbered from 3 as in proc(5).
 std::vector<std::string> statFields(pid_t pid) {
-    const std::string stat = fileText("/proc/" + std::to_string(pid) + "/stat");
+    const std::string stat = fileText(procFile(pid, "stat"));
     std::istringstream rest(stat.substr(stat.rfind(')') + 1));
     std::vector<std::string> fields{"", "", ""};
     for (std::string field; rest >> field;) {
@@ -130,7 +127,7 @@ std::vector<std::string> statFields(pid_t pid) {
 }
 
 std::string commandName(pid_t pid) {
-    std::string comm = fileText("/proc/" + std::to_string(pid) + "/comm");
+    const std::string comm = fileText(procFile(pid, "comm"));
     return comm.substr(0, comm.find('\n'));
 }
 
@@ -139,17 +136,6 @@ void waitUntil(const std::function<bool()>& condition) {
         std::this_thread::sleep_for(10ms);
     }
     ASSERT_TRUE(condition());
-}
-
-std::set<pid_t> listedPids() {
-    std::set<pid_t> pids;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-        const std::string name = entry.path().filename();
-        if (!name.empty() && name.find_first_not_of("0123456789") == std::string::npos) {
-            pids.insert(std::stoi(name));
-        }
-    }
-    return pids;
 }
 
 Sampler machineSampler() {
@@ -169,95 +155,138 @@ const LiveProcess* find(const Snapshot& snapshot, pid_t pid) {
     return nullptr;
 }
 
-[[noreturn]] void spinForever() {
-    // First in line for a core, so that a busy shared machine still gives it one.
-    setpriority(PRIO_PROCESS, 0, -20);
-    volatile std::uint64_t spins = 0;
-    while (true) {
-        spins = spins + 1;
-    }
+// Two samples, with a figure and the clock read just outside and just inside the
+// span between them: whatever span the sampler measures over lies between the two.
+struct Bracket {
+    Snapshot second;
+    double innerChange, outerChange; // of the figure
+    double shortest, longest;        // seconds
+};
+
+Bracket sampleTwice(Sampler& sampler, const std::function<double()>& figure,
+                    const std::function<void()>& between) {
+    auto read = [&] { return std::pair(figure(), std::chrono::steady_clock::now()); };
+    auto seconds = [](auto span) { return std::chrono::duration<double>(span).count(); };
+    const auto outerStart = read();
+    sampleNow(sampler);
+    const auto innerStart = read();
+    between();
+    const auto innerEnd = read();
+    Snapshot second = sampleNow(sampler);
+    const auto outerEnd = read();
+    return {.second = std::move(second),
+            .innerChange = innerEnd.first - innerStart.first,
+            .outerChange = outerEnd.first - outerStart.first,
+            .shortest = seconds(innerEnd.second - innerStart.second),
+            .longest = seconds(outerEnd.second - outerStart.second)};
 }
 
 TEST(LinuxSampler, BusyChildUsesAboutOneCoreAsItsOwnCountersSay) {
     Child busy(spinForever);
     auto sampler = machineSampler();
-    // The child's CPU seconds and the time, by the kernel's tick counters and
-    // the monotonic clock, just outside and just inside the sampled interval.
-    struct Reading {
-        double cpu;
-        std::chrono::steady_clock::time_point time;
-    };
     const double clockTicks = static_cast<double>(sysconf(_SC_CLK_TCK));
-    auto read = [&] {
-        const auto fields = statFields(busy.pid());
-        return Reading{static_cast<double>(std::stoull(fields[14]) + std::stoull(fields[15])) /
-                           clockTicks,
-                       std::chrono::steady_clock::now()};
+    auto cpuSeconds = [&] {
+        const auto fields = statFields(busy.pid);
+        return static_cast<double>(std::stoull(fields[14]) + std::stoull(fields[15])) / clockTicks;
     };
-    const Reading outerStart = read();
-    sampleNow(sampler);
-    const Reading innerStart = read();
-    std::this_thread::sleep_for(1s);
-    const Reading innerEnd = read();
-    const Snapshot snapshot = sampleNow(sampler);
-    const Reading outerEnd = read();
+    const auto run = sampleTwice(sampler, cpuSeconds, [] { std::this_thread::sleep_for(1s); });
 
-    const LiveProcess* child = find(snapshot, busy.pid());
+    const LiveProcess* child = find(run.second, busy.pid);
     ASSERT_TRUE(child);
-    const double cpuSeconds = child->rates.cpuPercent / 100.0 * snapshot.interval;
-    constexpr double tick = 0.02;
-    EXPECT_GE(cpuSeconds, innerEnd.cpu - innerStart.cpu - tick);
-    EXPECT_LE(cpuSeconds, outerEnd.cpu - outerStart.cpu + tick);
-    const std::chrono::duration<double> shortest = innerEnd.time - innerStart.time;
-    const std::chrono::duration<double> longest = outerEnd.time - outerStart.time;
-    EXPECT_GE(snapshot.interval, shortest.count());
-    EXPECT_LE(snapshot.interval, longest.count());
+    const double share = child->rates.cpuPercent / 100.0;
+    constexpr double tick = 0.02; // the kernel counts CPU time in 10 ms ticks
+    EXPECT_GE(share * run.longest, run.innerChange - tick);
+    EXPECT_LE(share * run.shortest, run.outerChange + tick);
+    EXPECT_GE(run.second.interval, run.shortest);
+    EXPECT_LE(run.second.interval, run.longest);
     // Near a whole core on an idle machine; a loaded one shares it out.
-    EXPECT_GT(child->rates.cpuPercent, 25.0);
-    EXPECT_LT(child->rates.cpuPercent, 101.0);
-    EXPECT_GT(snapshot.system.cpu() * static_cast<double>(snapshot.system.coreUsage.size()), 0.25);
+    EXPECT_GT(share, 0.25);
+    EXPECT_LT(share, 1.01);
+    const auto& system = run.second.system;
+    EXPECT_GT(system.cpu() * static_cast<double>(system.coreUsage.size()), 0.25);
+}
+
+TEST(LinuxSampler, ChildThatWritesAndSyncsShowsItsDiskBytes) {
+    constexpr std::size_t written = 8 << 20;
+    // A file of this run's own, so that runs side by side do not cut each other's short.
+    const auto file = std::filesystem::current_path() /
+                      ("sampler-disk-test-" + std::to_string(getpid()) + ".bin");
+    Pipe go;
+    Pipe done;
+    Child writer([&] {
+        go.wait();
+        const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        static char block[64 << 10];
+        for (std::size_t total = 0; total < written; total += sizeof block) {
+            if (write(fd, block, sizeof block) != static_cast<ssize_t>(sizeof block)) {
+                break;
+            }
+        }
+        fsync(fd);
+        close(fd);
+        done.send();
+        sleepForever();
+    });
+    // The child's disk bytes as the kernel counts them, read by the test.
+    const std::string io = procFile(writer.pid, "io");
+    auto diskBytes = [&] {
+        return static_cast<double>(keyedNumber(io, "read_bytes") + keyedNumber(io, "write_bytes"));
+    };
+    auto sampler = machineSampler();
+    const auto run = sampleTwice(sampler, diskBytes, [&] {
+        go.send();
+        done.wait();
+    });
+    std::filesystem::remove(file);
+
+    EXPECT_GE(run.innerChange, written);
+    const LiveProcess* child = find(run.second, writer.pid);
+    ASSERT_TRUE(child);
+    EXPECT_EQ(child->record.diskWrittenBytes, keyedNumber(io, "write_bytes"));
+    ASSERT_TRUE(child->rates.diskBytesPerSecond);
+    // Over the span between its own two readings, within the test's.
+    const double rate = *child->rates.diskBytesPerSecond;
+    EXPECT_GE(rate * run.longest, run.innerChange * (1 - 1e-9));
+    EXPECT_LE(rate * run.shortest, run.outerChange * (1 + 1e-9));
+    EXPECT_GE(run.second.system.diskWritePerSecond * run.second.interval, written);
 }
 
 TEST(LinuxSampler, ProcessListMatchesProcWithoutKernelThreads) {
+    auto pids = [] {
+        std::set<pid_t> listed;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+            const std::string name = entry.path().filename();
+            if (name.find_first_not_of("0123456789") == std::string::npos) {
+                listed.insert(std::stoi(name));
+            }
+        }
+        return listed;
+    };
     auto sampler = machineSampler();
-    const auto before = listedPids();
+    const auto before = pids();
     const Snapshot snapshot = sampleNow(sampler);
-    const auto after = listedPids();
+    const auto after = pids();
 
     std::set<pid_t> sampled;
     for (const auto& live : snapshot.processes) {
-        sampled.insert(live.record.pid);
+        EXPECT_TRUE(sampled.insert(live.record.pid).second) << "pid listed twice";
     }
-    EXPECT_EQ(sampled.size(), snapshot.processes.size()) << "a pid listed twice";
     // Kernel threads are kthreadd and its children; a container sees none of them.
-    pid_t kthreadd = -1;
+    std::string kthreadd = "none";
     for (const pid_t pid : before) {
         if (commandName(pid) == "kthreadd" && statFields(pid).at(4) == "0") {
-            kthreadd = pid;
+            kthreadd = std::to_string(pid);
         }
     }
-    auto isKernelThread = [kthreadd](pid_t pid) {
-        const auto fields = statFields(pid);
-        return pid == kthreadd || (fields.size() > 4 && fields[4] == std::to_string(kthreadd));
-    };
     for (const pid_t pid : before) {
-        if (!after.contains(pid)) {
-            continue; // ended meanwhile
+        const auto fields = statFields(pid);
+        if (after.contains(pid) && fields.size() > 4) { // not ended meanwhile
+            const bool kernel = std::to_string(pid) == kthreadd || fields[4] == kthreadd;
+            EXPECT_EQ(sampled.contains(pid), !kernel)
+                << "pid " << pid << " (" << commandName(pid) << ")";
         }
-        const bool kernel = isKernelThread(pid);
-        EXPECT_EQ(sampled.contains(pid), !kernel)
-            << "pid " << pid << " (" << commandName(pid) << ")";
     }
     EXPECT_TRUE(sampled.contains(getpid()));
-}
-
-TEST(LinuxSampler, ProcessThatEndsBetweenTicksIsGoneFromTheNext) {
-    auto sampler = machineSampler();
-    std::optional<Child> child(std::in_place, sleepForever);
-    const pid_t pid = child->pid();
-    EXPECT_TRUE(find(sampleNow(sampler), pid));
-    child.reset(); // killed and reaped; the files kept open for it now read nothing
-    EXPECT_FALSE(find(sampleNow(sampler), pid));
 }
 
 TEST(LinuxSampler, OwnRecordAgreesWithProcStatus) {
@@ -284,7 +313,7 @@ TEST(LinuxSampler, OwnRecordAgreesWithProcStatus) {
     EXPECT_TRUE(self->record.diskReadBytes);
     EXPECT_EQ(self->record.responsiblePID, getpid());
 
-    const LiveProcess* young = find(snapshot, child.pid());
+    const LiveProcess* young = find(snapshot, child.pid);
     ASSERT_TRUE(young);
     // Start times count in clock ticks of 10 ms.
     EXPECT_GE(young->record.started, launched - 0.02);
@@ -294,14 +323,11 @@ TEST(LinuxSampler, OwnRecordAgreesWithProcStatus) {
 
 TEST(LinuxSampler, TotalMemoryAndSystemFiguresMatchTheKernelsOwn) {
     auto sampler = machineSampler();
-    const Snapshot snapshot = sampleNow(sampler);
-    const auto& system = snapshot.system;
+    const SystemSample system = sampleNow(sampler).system;
     EXPECT_EQ(system.memory.total, 1024 * keyedNumber("/proc/meminfo", "MemTotal"));
-    EXPECT_LE(system.memory.used(), system.memory.total);
     EXPECT_GT(system.memory.app, 0u);
     EXPECT_EQ(static_cast<long>(system.coreUsage.size()), sysconf(_SC_NPROCESSORS_ONLN));
     EXPECT_EQ(system.coreKinds.size(), system.coreUsage.size());
-
     timespec sinceBoot{};
     clock_gettime(CLOCK_BOOTTIME, &sinceBoot);
     EXPECT_NEAR(system.uptime, static_cast<double>(sinceBoot.tv_sec), 2.0);
@@ -317,65 +343,30 @@ TEST(LinuxSampler, TotalMemoryAndSystemFiguresMatchTheKernelsOwn) {
     EXPECT_NEAR(static_cast<double>(*system.diskFree), static_cast<double>(available), 64e6);
 }
 
-TEST(LinuxSampler, ChildThatWritesAndSyncsShowsItsDiskBytes) {
-    constexpr std::size_t written = 8 << 20;
-    const auto file = std::filesystem::current_path() / "sampler-disk-test.bin";
-    Pipe go;
-    Pipe done;
-    Child writer([&] {
-        go.wait();
-        const int fd = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        static char block[64 << 10];
-        for (std::size_t total = 0; total < written; total += sizeof block) {
-            if (write(fd, block, sizeof block) != static_cast<ssize_t>(sizeof block)) {
-                _exit(1);
-            }
-        }
-        fsync(fd);
-        close(fd);
-        done.send();
-        sleepForever();
-    });
-    auto sampler = machineSampler();
-    sampleNow(sampler);
-    go.send();
-    done.wait();
-    const Snapshot snapshot = sampleNow(sampler);
-    std::filesystem::remove(file);
-
-    const LiveProcess* child = find(snapshot, writer.pid());
-    ASSERT_TRUE(child);
-    ASSERT_TRUE(child->record.diskWrittenBytes);
-    EXPECT_GE(*child->record.diskWrittenBytes, written);
-    ASSERT_TRUE(child->rates.diskBytesPerSecond);
-    // Its rate runs over the time between its own two readings, a hair off the tick's.
-    EXPECT_GE(*child->rates.diskBytesPerSecond * snapshot.interval, 0.9 * written);
-    EXPECT_GE(snapshot.system.diskWritePerSecond * snapshot.interval, written);
-}
-
-TEST(LinuxSampler, RunStatesOfBusyIdleStoppedAndEndedChildren) {
+TEST(LinuxSampler, RunStatesOfBusyIdleStoppedAndEndedChildrenWhichGoOnceReaped) {
     Child busy(spinForever);
     Child idle(sleepForever);
     Child stopped(sleepForever);
-    kill(stopped.pid(), SIGSTOP);
-    int status = 0;
-    ASSERT_EQ(waitpid(stopped.pid(), &status, WUNTRACED), stopped.pid());
-    Child ended([] {}); // exits at once and stays unreaped
-    waitUntil([&] { return statFields(ended.pid())[3] == "Z"; });
-
-    waitUntil([&] { return statFields(idle.pid())[3] == "S"; });
+    kill(stopped.pid, SIGSTOP);
+    ASSERT_EQ(waitpid(stopped.pid, nullptr, WUNTRACED), stopped.pid);
+    std::optional<Child> ended(std::in_place, [] {}); // exits at once and stays unreaped
+    const pid_t endedPid = ended->pid;
+    waitUntil([&] { return statFields(endedPid)[3] == "Z"; });
+    waitUntil([&] { return statFields(idle.pid)[3] == "S"; });
 
     auto sampler = machineSampler();
     const Snapshot snapshot = sampleNow(sampler);
-    const std::pair<const Child&, RunState> expected[] = {{busy, RunState::running},
-                                                          {idle, RunState::sleeping},
-                                                          {stopped, RunState::stopped},
-                                                          {ended, RunState::zombie}};
-    for (const auto& [child, state] : expected) {
-        const LiveProcess* live = find(snapshot, child.pid());
+    const std::pair<pid_t, RunState> expected[] = {{busy.pid, RunState::running},
+                                                   {idle.pid, RunState::sleeping},
+                                                   {stopped.pid, RunState::stopped},
+                                                   {endedPid, RunState::zombie}};
+    for (const auto& [pid, state] : expected) {
+        const LiveProcess* live = find(snapshot, pid);
         ASSERT_TRUE(live) << rawValue(state);
         EXPECT_EQ(live->record.state, state) << rawValue(state);
     }
+    ended.reset(); // reaped; the files kept open for it now read nothing
+    EXPECT_FALSE(find(sampleNow(sampler), endedPid));
 }
 
 TEST(LinuxSampler, NamesAndPathsFollowTheProgramAProcessRuns) {
@@ -392,46 +383,30 @@ TEST(LinuxSampler, NamesAndPathsFollowTheProgramAProcessRuns) {
         execl("/bin/sleep", "sleep", "30", nullptr);
     });
     Child longNamed([&] { execl(longName.c_str(), longName.c_str(), "30", nullptr); });
-    waitUntil([&] { return commandName(longNamed.pid()) == "loadwarden-long"; });
+    waitUntil([&] { return commandName(longNamed.pid) == "loadwarden-long"; });
 
     auto sampler = machineSampler();
-    const Snapshot forked = sampleNow(sampler);
-    ASSERT_TRUE(find(forked, execs.pid()));
-    EXPECT_EQ(find(forked, execs.pid())->record.name, commandName(getpid()));
+    const Snapshot beforeExec = sampleNow(sampler);
+    const LiveProcess* forked = find(beforeExec, execs.pid);
+    ASSERT_TRUE(forked);
+    EXPECT_EQ(forked->record.name, commandName(getpid()));
 
     go.send();
-    waitUntil([&] { return commandName(execs.pid()) == "sleep"; });
+    waitUntil([&] { return commandName(execs.pid) == "sleep"; });
     const Snapshot exec = sampleNow(sampler);
     std::filesystem::remove_all(directory);
-
-    ASSERT_TRUE(find(exec, execs.pid()));
-    EXPECT_EQ(find(exec, execs.pid())->record.name, "sleep");
-    EXPECT_EQ(find(exec, execs.pid())->record.path, sleepPath);
-    ASSERT_TRUE(find(exec, longNamed.pid()));
-    EXPECT_EQ(find(exec, longNamed.pid())->record.name, "loadwarden-long-process-name");
-    EXPECT_EQ(find(exec, longNamed.pid())->record.path, sleepPath);
+    const LiveProcess* sleeping = find(exec, execs.pid);
+    const LiveProcess* named = find(exec, longNamed.pid);
+    ASSERT_TRUE(sleeping && named);
+    EXPECT_EQ(sleeping->record.name, "sleep");
+    EXPECT_EQ(sleeping->record.path, sleepPath);
+    EXPECT_EQ(named->record.name, "loadwarden-long-process-name");
+    EXPECT_EQ(named->record.path, sleepPath);
 }
 
-constexpr std::uint32_t nobody = 65534;
-
-TEST(LinuxSampler, AnotherUsersProcessIsNotOwn) {
-    Child other([] {
-        execl("/usr/bin/setpriv", "setpriv", "--reuid=65534", "--regid=65534", "--clear-groups",
-              "/bin/sleep", "30", nullptr);
-    });
-    waitUntil([&] { return commandName(other.pid()) == "sleep"; });
-    auto sampler = machineSampler();
-    const Snapshot snapshot = sampleNow(sampler);
-    const LiveProcess* record = find(snapshot, other.pid());
-    ASSERT_TRUE(record);
-    EXPECT_EQ(record->record.uid, nobody);
-    EXPECT_EQ(record->record.user, "nobody");
-    EXPECT_FALSE(record->record.isOwn);
-    EXPECT_EQ(record->record.name, "sleep");
-}
-
-TEST(LinuxSampler, WhatTheKernelKeepsFromAnUnprivilegedUserStaysAbsent) {
-    // The backend run as user nobody describes this test's root process and itself.
+TEST(LinuxSampler, AnotherUsersProcessAndWhatTheKernelKeepsFromIt) {
+    // The backend run as user nobody describes this test's root process and itself;
+    // the test's sampler then describes that other user's process.
     Pipe report;
     Child viewer([&] {
         // Dumpable again after the change of user, as any program a user starts.
@@ -452,17 +427,25 @@ TEST(LinuxSampler, WhatTheKernelKeepsFromAnUnprivilegedUserStaysAbsent) {
                     << " started=" << (record.started > 0) << "\n";
             }
         }
-        report.sendText(out.str());
+        report.send(out.str());
+        sleepForever();
     });
-    const std::string seen = report.readAll();
+    close(std::exchange(report.ends[1], -1)); // a viewer that fails ends the wait
+    const std::string seen = report.wait();
     // Another user's disk bytes and executable are closed; the rest is open to all.
-    EXPECT_NE(seen.find("root uid=0 disk=0 path=0 arch=unknown memory=1 threads=1 started=1\n"),
-              std::string::npos)
-        << seen;
-    EXPECT_NE(seen.find("self uid=65534 disk=1 path=1 arch=" + std::string(rawValue(builtFor)) +
-                        " memory=1 threads=1 started=1\n"),
-              std::string::npos)
-        << seen;
+    EXPECT_THAT(seen, HasSubstr("root uid=0 disk=0 path=0 arch=unknown memory=1 threads=1 "
+                                "started=1\n"));
+    EXPECT_THAT(seen,
+                HasSubstr("self uid=65534 disk=1 path=1 arch=" + std::string(rawValue(builtFor)) +
+                          " memory=1 threads=1 started=1\n"));
+
+    auto sampler = machineSampler();
+    const Snapshot snapshot = sampleNow(sampler);
+    const LiveProcess* other = find(snapshot, viewer.pid);
+    ASSERT_TRUE(other);
+    EXPECT_EQ(other->record.uid, nobody);
+    EXPECT_EQ(other->record.user, "nobody");
+    EXPECT_FALSE(other->record.isOwn);
 }
 
 } // namespace

@@ -35,14 +35,13 @@ TEST(ProcStat, KernelThreadsAndBrokenLines) {
 }
 
 TEST(ProcStat, StateLetters) {
-    EXPECT_EQ(runStateFromProcLetter('R'), RunState::running);
-    for (const char sleeping : {'S', 'D', 'I'}) {
-        EXPECT_EQ(runStateFromProcLetter(sleeping), RunState::sleeping) << sleeping;
+    using enum RunState;
+    const std::pair<char, RunState> letters[] = {{'R', running},  {'S', sleeping}, {'D', sleeping},
+                                                 {'I', sleeping}, {'T', stopped},  {'t', stopped},
+                                                 {'Z', zombie},   {'X', other}};
+    for (const auto& [letter, state] : letters) {
+        EXPECT_EQ(runStateFromProcLetter(letter), state) << letter;
     }
-    EXPECT_EQ(runStateFromProcLetter('T'), RunState::stopped);
-    EXPECT_EQ(runStateFromProcLetter('t'), RunState::stopped);
-    EXPECT_EQ(runStateFromProcLetter('Z'), RunState::zombie);
-    EXPECT_EQ(runStateFromProcLetter('X'), RunState::other);
 }
 
 TEST(ProcFiles, DiskCounters) {

@@ -36,7 +36,6 @@ TEST(ProcSystemFiles, MemoryPartsAddUpToWhatLinuxCallsUsed) {
                                       "Zswap:             50000 kB\n"
                                       "HugePages_Total:       0\n");
     constexpr std::uint64_t kB = 1024;
-    EXPECT_EQ(meminfo.at("MemTotal"), 16'000'000 * kB);
     EXPECT_FALSE(meminfo.contains("HugePages_Total"));
 
     const auto stats = memoryStatsFromMeminfo(meminfo, 150'000 * kB, MemoryPressure::warning);

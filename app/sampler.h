@@ -42,6 +42,10 @@ public:
     // for ticks that read no processes. Nothing else changes.
     std::future<SystemSample> quickSystemSample();
 
+    // What the per-process network figures cover, where the tool sees less
+    // than every connection; empty otherwise. Fixed for the sampler's life.
+    std::string_view networkCoverageNote() const { return network_.coverageNote(); }
+
 private:
     // Facts read once per process life; stale once the start time or the
     // command differs (a reused pid, or a new program run by the same process).

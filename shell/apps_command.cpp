@@ -16,7 +16,7 @@ int runAppsCommand(const std::vector<std::string>& arguments, std::ostream& out,
     return runCommand(
         "apps", appsUsage, parseAppsOptions(arguments), out, err,
         [&out](const AppsOptions& options) {
-            const Snapshot snapshot = lastOfReadings(2, options.interval, true);
+            const Snapshot snapshot = takeReadings(2, options.interval, true).last;
             RunningApps runningApps;
             const auto rows =
                 arrangeApps(ProcessGrouper::group(snapshot.processes,

@@ -7,18 +7,19 @@
 
 namespace loadwarden {
 
-Snapshot lastOfReadings(int ticks, Seconds interval, bool networkShown) {
+Readings takeReadings(int ticks, Seconds interval, bool networkShown) {
     using Clock = std::chrono::steady_clock;
     Sampler sampler;
     const auto first = Clock::now();
     const auto period = std::chrono::duration<double>(interval);
-    Snapshot snapshot;
+    Readings readings{.last = {},
+                      .networkCoverageNote = std::string(sampler.networkCoverageNote())};
     for (int tick = 0; tick < ticks; ++tick) {
         std::this_thread::sleep_until(first +
                                       std::chrono::duration_cast<Clock::duration>(period * tick));
-        snapshot = sampler.sample(true, networkShown, interval).get();
+        readings.last = sampler.sample(true, networkShown, interval).get();
     }
-    return snapshot;
+    return readings;
 }
 
 } // namespace loadwarden

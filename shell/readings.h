@@ -5,8 +5,15 @@
 
 namespace loadwarden {
 
+#include <string>
+
+struct Readings {
+    Snapshot last;
+    std::string networkCoverageNote; // empty where the network figures are complete
+};
+
 // Takes `ticks` samples `interval` apart on a fresh sampler, keeping to the
-// schedule however long each takes, and returns the last. Rates need two.
-Snapshot lastOfReadings(int ticks, Seconds interval, bool networkShown);
+// schedule however long each takes, and keeps the last. Rates need two.
+Readings takeReadings(int ticks, Seconds interval, bool networkShown);
 
 } // namespace loadwarden

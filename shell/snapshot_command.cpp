@@ -12,12 +12,12 @@ int runSnapshotCommand(const std::vector<std::string>& arguments, std::ostream& 
                        std::ostream& err) {
     return runCommand("snapshot", snapshotUsage, parseSnapshotOptions(arguments), out, err,
                       [&out](const SnapshotOptions& options) {
-                          const Snapshot snapshot =
-                              lastOfReadings(options.ticks, options.interval, true);
+                          const Readings readings =
+                              takeReadings(options.ticks, options.interval, true);
                           if (options.json) {
-                              printSnapshotJSON(snapshot, out);
+                              printSnapshotJSON(readings.last, out);
                           } else {
-                              printSnapshotReport(snapshot, out);
+                              printSnapshotReport(readings.last, readings.networkCoverageNote, out);
                           }
                       });
 }

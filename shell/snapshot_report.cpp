@@ -150,7 +150,16 @@ std::string batteryLine(const std::optional<BatteryInfo>& battery) {
     return line;
 }
 
-void printSystemSummary(const Snapshot& snapshot, std::ostream& out) {
+std::string processesLine(const Snapshot& snapshot, std::string_view networkCoverageNote) {
+    std::string line = std::to_string(snapshot.processes.size());
+    if (!snapshot.hasNetwork) {
+        return line + "; per-process network not measured yet";
+    }
+    return networkCoverageNote.empty() ? line : line + "; " + std::string(networkCoverageNote);
+}
+
+void printSystemSummary(const Snapshot& snapshot, std::string_view networkCoverageNote,
+                        std::ostream& out) {
     const SystemSample& system = snapshot.system;
     std::vector<std::pair<std::string_view, std::string>> lines{
         {"CPU", processorLine(system)},
@@ -168,9 +177,7 @@ void printSystemSummary(const Snapshot& snapshot, std::ostream& out) {
     lines.emplace_back("Thermal", std::string(label(system.thermal)));
     lines.emplace_back("Low Power", system.lowPowerMode ? "on" : "off");
     lines.emplace_back("Uptime", abbreviatedDuration(system.uptime));
-    lines.emplace_back("Processes",
-                       std::to_string(snapshot.processes.size()) +
-                           (snapshot.hasNetwork ? "" : "; per-process network not measured yet"));
+    lines.emplace_back("Processes", processesLine(snapshot, networkCoverageNote));
     for (const auto& [title, text] : lines) {
         out << title << std::string(12 - title.size(), ' ') << text << '\n';
     }
@@ -178,10 +185,11 @@ void printSystemSummary(const Snapshot& snapshot, std::ostream& out) {
 
 } // namespace
 
-void printSnapshotReport(const Snapshot& snapshot, std::ostream& out) {
+void printSnapshotReport(const Snapshot& snapshot, std::string_view networkCoverageNote,
+                         std::ostream& out) {
     printProcessTable(snapshot, out);
     out << '\n';
-    printSystemSummary(snapshot, out);
+    printSystemSummary(snapshot, networkCoverageNote, out);
 }
 
 void printSnapshotJSON(const Snapshot& snapshot, std::ostream& out) {

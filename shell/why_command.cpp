@@ -38,7 +38,7 @@ WhyReport diagnose(const Snapshot& snapshot, std::size_t maxCount) {
 int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
     return runCommand(
         "why", whyUsage, parseWhyOptions(arguments), out, err, [&out](const WhyOptions& options) {
-            const WhyReport report = diagnose(lastOfReadings(2, options.interval, false),
+            const WhyReport report = diagnose(takeReadings(2, options.interval, false).last,
                                               static_cast<std::size_t>(options.maxCount));
             if (options.json) {
                 printWhyJSON(report, out);

@@ -26,7 +26,8 @@ TEST(SnapshotReport, BusiestFirstWithDashesForWhatIsUnknown) {
     snapshot.system.coreUsage = {0.5, 1.0};
     snapshot.system.coreKinds = {CoreKind::efficiency, CoreKind::performance};
     std::ostringstream out;
-    printSnapshotReport(snapshot, out);
+    snapshot.hasNetwork = true;
+    printSnapshotReport(snapshot, "Network: live TCP connections only", out);
     const std::string report = out.str();
 
     const auto busy = report.find("busy");
@@ -40,6 +41,9 @@ TEST(SnapshotReport, BusiestFirstWithDashesForWhatIsUnknown) {
     EXPECT_NE(line.find("2 MB"), std::string::npos) << line;
     EXPECT_NE(line.find("2.5 MB/s            -        4  sleeping"), std::string::npos) << line;
     EXPECT_NE(report.find("CPU         75% of 2 cores (performance 100%, efficiency 50%)"),
+              std::string::npos)
+        << report;
+    EXPECT_NE(report.find("\nProcesses   3; Network: live TCP connections only\n"),
               std::string::npos)
         << report;
 }

@@ -1,6 +1,6 @@
 // Grouping, sorting and the policy run for every row on every refresh.
-#include "core/process_grouper.h"
-#include "core/process_policy.h"
+#include "core/control/process_policy.h"
+#include "core/grouping/process_grouper.h"
 
 #include <benchmark/benchmark.h>
 #include <random>

@@ -1,5 +1,5 @@
-#include "core/socket_stats.h"
-#include "core/tcp_socket_ledger.h"
+#include "core/network/linux/socket_stats.h"
+#include "core/network/linux/tcp_socket_ledger.h"
 
 #include <benchmark/benchmark.h>
 #include <string>

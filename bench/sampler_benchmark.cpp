@@ -4,8 +4,8 @@
 // program's threads for a tick, the child's own for ps), cpu_us_per_process
 // the same divided by the processes seen.
 
-#include "app/sampler.h"
-#include "app/spawn.h"
+#include "app/runner/spawn.h"
+#include "app/sampling/sampler.h"
 
 #include <benchmark/benchmark.h>
 #include <csignal>

@@ -1,5 +1,5 @@
-#include "app/running_apps.h"
-#include "core/process_grouper.h"
+#include "app/grouping/running_apps.h"
+#include "core/grouping/process_grouper.h"
 #include "shell/apps_options.h"
 #include "shell/apps_report.h"
 #include "shell/command_line.h"

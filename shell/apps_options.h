@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/date.h"
-#include "core/process_column.h"
+#include "core/foundation/date.h"
+#include "core/grouping/process_column.h"
 
 #include <string>
 #include <string_view>

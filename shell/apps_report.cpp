@@ -1,10 +1,10 @@
 #include "shell/apps_report.h"
 
-#include "core/heat.h"
-#include "core/process_group_json.h"
-#include "core/process_grouper.h"
-#include "core/process_policy.h"
-#include "core/units_format.h"
+#include "core/control/process_policy.h"
+#include "core/grouping/heat.h"
+#include "core/grouping/process_group_json.h"
+#include "core/grouping/process_grouper.h"
+#include "core/text/units_format.h"
 #include "shell/terminal_text.h"
 
 #include <algorithm>

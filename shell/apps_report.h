@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/process_group.h"
+#include "core/grouping/process_group.h"
 #include "shell/apps_options.h"
 
 #include <iosfwd>

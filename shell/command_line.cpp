@@ -1,6 +1,6 @@
 #include "shell/command_line.h"
 
-#include "core/text_parsing.h"
+#include "core/text/text_parsing.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,8 +3,8 @@
 // Reading a command's options: each command declares its options once, and
 // the parser fills them or says in one line what was wrong.
 
-#include "core/date.h"
-#include "core/raw_value.h"
+#include "core/foundation/date.h"
+#include "core/foundation/raw_value.h"
 
 #include <functional>
 #include <optional>

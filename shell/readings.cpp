@@ -1,6 +1,6 @@
 #include "shell/readings.h"
 
-#include "app/sampler.h"
+#include "app/sampling/sampler.h"
 
 #include <chrono>
 #include <thread>

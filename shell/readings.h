@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/snapshot.h"
-#include "core/date.h"
+#include "app/sampling/snapshot.h"
+#include "core/foundation/date.h"
 
 namespace loadwarden {
 

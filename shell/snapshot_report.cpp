@@ -1,7 +1,7 @@
 #include "shell/snapshot_report.h"
 
-#include "core/duration_format.h"
-#include "core/units_format.h"
+#include "core/text/duration_format.h"
+#include "core/text/units_format.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/snapshot.h"
+#include "app/sampling/snapshot.h"
 
 #include <iosfwd>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/date.h"
+#include "core/foundation/date.h"
 
 #include <string>
 #include <string_view>

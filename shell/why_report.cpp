@@ -1,8 +1,8 @@
 #include "shell/why_report.h"
 
-#include "core/cause_text.h"
-#include "core/diagnosis_json.h"
-#include "core/units_format.h"
+#include "core/diagnosis/cause_text.h"
+#include "core/diagnosis/diagnosis_json.h"
+#include "core/text/units_format.h"
 #include "shell/terminal_text.h"
 
 #include <algorithm>

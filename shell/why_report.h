@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/explainer.h"
+#include "core/diagnosis/explainer.h"
 
 #include <iosfwd>
 #include <map>

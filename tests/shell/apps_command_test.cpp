@@ -1,6 +1,6 @@
 // `loadwarden apps`: its options, its table and its JSON.
-#include "core/platform_wording.h"
-#include "core/process_grouper.h"
+#include "core/grouping/process_grouper.h"
+#include "core/text/platform_wording.h"
 #include "shell/apps_options.h"
 #include "shell/apps_report.h"
 #include "shell/commands.h"

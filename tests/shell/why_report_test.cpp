@@ -1,5 +1,5 @@
-#include "core/cause_text.h"
-#include "core/diagnosis_json.h"
+#include "core/diagnosis/cause_text.h"
+#include "core/diagnosis/diagnosis_json.h"
 #include "shell/why_report.h"
 
 #include <gmock/gmock.h>

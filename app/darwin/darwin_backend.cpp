@@ -1,9 +1,0 @@
-#include "app/darwin/darwin_backend.h"
-
-namespace loadwarden {
-
-std::unique_ptr<SamplerBackend> makePlatformBackend() {
-    return std::make_unique<DarwinBackend>();
-}
-
-} // namespace loadwarden

@@ -1,9 +1,0 @@
-#include "app/linux/linux_backend.h"
-
-namespace loadwarden {
-
-std::unique_ptr<SamplerBackend> makePlatformBackend() {
-    return std::make_unique<LinuxBackend>();
-}
-
-} // namespace loadwarden

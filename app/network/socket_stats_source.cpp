@@ -1,0 +1,29 @@
+#include "app/network/socket_stats_source.h"
+
+#include "core/network/linux/socket_stats.h"
+
+namespace loadwarden {
+
+std::optional<std::string> SocketStatsSource::locate() {
+    for (const char* candidate : {"/usr/bin/ss", "/bin/ss", "/usr/sbin/ss", "/sbin/ss"}) {
+        if (isExecutableFile(candidate)) {
+            return candidate;
+        }
+    }
+    return std::nullopt;
+}
+
+SocketStatsSource::SocketStatsSource(std::string toolPath) : toolPath_(std::move(toolPath)) {}
+
+// No header, numeric addresses (no service lookups), TCP only, with
+// counters and owning processes.
+std::vector<std::string> SocketStatsSource::arguments() const {
+    return {"-H", "-n", "-t", "-i", "-p"};
+}
+
+// A listing with no sockets is still a reading: nobody has live connections.
+std::optional<NetworkSample> SocketStatsSource::sample(std::string_view output) {
+    return ledger_.record(SocketStats::parse(output));
+}
+
+} // namespace loadwarden

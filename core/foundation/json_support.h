@@ -1,0 +1,51 @@
+#pragma once
+
+// JSON coding shared by every value type: optionals as null, enumerations
+// with raw values by their raw string.
+
+#include "core/foundation/raw_value.h"
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+namespace nlohmann {
+
+template <typename T>
+struct adl_serializer<std::optional<T>> {
+    static void to_json(json& j, const std::optional<T>& value) {
+        if (value) {
+            j = *value;
+        } else {
+            j = nullptr;
+        }
+    }
+    static void from_json(const json& j, std::optional<T>& value) {
+        if (j.is_null()) {
+            value.reset();
+        } else {
+            value = j.get<T>();
+        }
+    }
+};
+
+} // namespace nlohmann
+
+namespace loadwarden {
+
+template <HasRawValues Enum>
+void to_json(nlohmann::json& j, Enum value) {
+    j = std::string(rawValue(value));
+}
+
+template <HasRawValues Enum>
+void from_json(const nlohmann::json& j, Enum& value) {
+    const auto parsed = fromRawValue<Enum>(j.get<std::string>());
+    if (!parsed) {
+        throw nlohmann::json::other_error::create(
+            501, "unknown value \"" + j.get<std::string>() + "\"", &j);
+    }
+    value = *parsed;
+}
+
+} // namespace loadwarden

@@ -1,0 +1,200 @@
+#include "core/grouping/linux/desktop_entry.h"
+
+#include "core/text/text_parsing.h"
+
+namespace loadwarden {
+
+namespace {
+
+constexpr std::string_view desktopSuffix = ".desktop";
+
+std::string unescaped(std::string_view value) {
+    std::string out;
+    out.reserve(value.size());
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (value[i] != '\\' || i + 1 == value.size()) {
+            out += value[i];
+            continue;
+        }
+        switch (value[++i]) {
+        case 's':
+            out += ' ';
+            break;
+        case 'n':
+            out += '\n';
+            break;
+        case 't':
+            out += '\t';
+            break;
+        case 'r':
+            out += '\r';
+            break;
+        default:
+            out += value[i];
+        }
+    }
+    return out;
+}
+
+// The Name[...] keys to try for a locale, best match first, ending with the
+// untranslated Name: lang_COUNTRY@MODIFIER, lang_COUNTRY, lang@MODIFIER, lang.
+std::vector<std::string> nameKeys(std::string_view locale) {
+    std::string_view rest = locale;
+    std::string_view modifier;
+    if (const std::size_t at = rest.find('@'); at != std::string_view::npos) {
+        modifier = rest.substr(at + 1);
+        rest = rest.substr(0, at);
+    }
+    rest = rest.substr(0, rest.find('.')); // the encoding does not matter
+    std::string_view country;
+    if (const std::size_t underscore = rest.find('_'); underscore != std::string_view::npos) {
+        country = rest.substr(underscore + 1);
+        rest = rest.substr(0, underscore);
+    }
+    const std::string_view language = rest;
+
+    std::vector<std::string> keys;
+    const auto add = [&keys](std::string_view l, std::string_view c, std::string_view m) {
+        std::string key = "Name[" + std::string(l);
+        if (!c.empty()) {
+            key += "_" + std::string(c);
+        }
+        if (!m.empty()) {
+            key += "@" + std::string(m);
+        }
+        keys.push_back(key + "]");
+    };
+    if (!language.empty() && language != "C" && language != "POSIX") {
+        if (!country.empty() && !modifier.empty()) {
+            add(language, country, modifier);
+        }
+        if (!country.empty()) {
+            add(language, country, {});
+        }
+        if (!modifier.empty()) {
+            add(language, {}, modifier);
+        }
+        add(language, {}, {});
+    }
+    keys.emplace_back("Name");
+    return keys;
+}
+
+} // namespace
+
+std::optional<DesktopEntry> DesktopEntries::parse(std::string_view text, std::string_view locale) {
+    const std::vector<std::string> wanted = nameKeys(locale);
+    std::size_t bestName = wanted.size();
+    std::optional<std::string> name;
+    bool inEntry = false;
+    bool seenEntry = false;
+    std::string_view type;
+    bool noDisplay = false;
+    bool hidden = false;
+    forEachLine(text, [&](std::string_view rawLine) {
+        const std::string_view line = trimWhitespace(rawLine);
+        if (line.empty() || line.front() == '#') {
+            return;
+        }
+        if (line.front() == '[') {
+            // Only the first [Desktop Entry] group; actions have names too.
+            inEntry = line == "[Desktop Entry]" && !seenEntry;
+            seenEntry = seenEntry || inEntry;
+            return;
+        }
+        const std::size_t equals = line.find('=');
+        if (!inEntry || equals == std::string_view::npos) {
+            return;
+        }
+        const std::string_view key = trimWhitespace(line.substr(0, equals));
+        const std::string_view value = trimWhitespace(line.substr(equals + 1));
+        if (key == "Type") {
+            type = value;
+        } else if (key == "NoDisplay") {
+            noDisplay = value == "true";
+        } else if (key == "Hidden") {
+            hidden = value == "true";
+        } else if (key.starts_with("Name")) {
+            for (std::size_t rank = 0; rank < bestName; ++rank) {
+                if (key == wanted[rank]) {
+                    bestName = rank;
+                    name = unescaped(value);
+                    break;
+                }
+            }
+        }
+    });
+    if (!name || name->empty() || hidden) {
+        return std::nullopt;
+    }
+    return DesktopEntry{.name = *name, .isApplication = type == "Application" && !noDisplay};
+}
+
+std::optional<std::string> DesktopEntries::fileID(std::string_view relativePath) {
+    if (!relativePath.ends_with(desktopSuffix) || relativePath.size() == desktopSuffix.size()) {
+        return std::nullopt;
+    }
+    std::string id(relativePath.substr(0, relativePath.size() - desktopSuffix.size()));
+    for (char& c : id) {
+        c = c == '/' ? '-' : c;
+    }
+    return id;
+}
+
+std::vector<std::string> DesktopEntries::applicationFolders(std::string_view dataHome,
+                                                            std::string_view dataDirs,
+                                                            std::string_view home) {
+    const auto isAbsolute = [](std::string_view path) { return path.starts_with('/'); };
+    const auto applications = [](std::string_view folder) {
+        std::string path(folder);
+        if (!path.ends_with('/')) {
+            path += '/';
+        }
+        return path + "applications";
+    };
+    std::vector<std::string> folders;
+    if (isAbsolute(dataHome)) {
+        folders.push_back(applications(dataHome));
+    } else if (isAbsolute(home)) {
+        folders.push_back(applications(std::string(home) + "/.local/share"));
+    }
+    std::vector<std::string_view> systemFolders;
+    for (const std::string_view folder : splitKeepingEmpty(dataDirs, ':')) {
+        if (isAbsolute(folder)) {
+            systemFolders.push_back(folder);
+        }
+    }
+    if (systemFolders.empty()) {
+        systemFolders = {"/usr/local/share", "/usr/share"};
+    }
+    for (const std::string_view folder : systemFolders) {
+        folders.push_back(applications(folder));
+    }
+    return folders;
+}
+
+AppNames DesktopEntries::appNames(const std::vector<LiveProcess>& processes,
+                                  const std::unordered_map<std::string, DesktopEntry>& entries) {
+    std::unordered_map<std::int32_t, std::string_view> appIDByPID;
+    for (const LiveProcess& process : processes) {
+        appIDByPID.emplace(process.record.pid, process.record.appID);
+    }
+    AppNames names;
+    for (const LiveProcess& process : processes) {
+        const ProcessRecord& record = process.record;
+        if (record.appID.empty()) {
+            continue;
+        }
+        const auto entry = entries.find(record.appID);
+        if (entry == entries.end() || !entry->second.isApplication) {
+            continue;
+        }
+        const auto parent = appIDByPID.find(record.ppid);
+        if (parent == appIDByPID.end() || parent->second != record.appID) {
+            names.emplace(record.pid, entry->second.name);
+        }
+    }
+    return names;
+}
+
+} // namespace loadwarden

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "core/foundation/raw_value.h"
+
+namespace loadwarden {
+
+// A column of the process table that rows can be sorted by.
+enum class ProcessColumn { name, cpu, memory, energy, disk, network };
+
+template <>
+struct RawValues<ProcessColumn> {
+    static constexpr RawValueTable<ProcessColumn, 6> table{{
+        {ProcessColumn::name, "name"},
+        {ProcessColumn::cpu, "cpu"},
+        {ProcessColumn::memory, "memory"},
+        {ProcessColumn::energy, "energy"},
+        {ProcessColumn::disk, "disk"},
+        {ProcessColumn::network, "network"},
+    }};
+};
+
+} // namespace loadwarden

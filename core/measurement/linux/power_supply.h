@@ -1,0 +1,27 @@
+#pragma once
+
+#include "core/measurement/battery.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace loadwarden {
+
+// The attributes of one /sys/class/power_supply entry from its uevent file,
+// keyed without the "POWER_SUPPLY_" prefix ("TYPE", "CAPACITY", …).
+using PowerSupply = std::map<std::string, std::string, std::less<>>;
+PowerSupply parsePowerSupplyUevent(std::string_view text);
+
+// A battery that powers the computer itself (not a mouse's or a phone's).
+bool isSystemBattery(const PowerSupply& supply);
+
+// For a mains supply, whether it is plugged in; nothing for other kinds.
+std::optional<bool> mainsOnline(const PowerSupply& supply);
+
+// mainsOnline: whether some mains supply is online; absent when the computer
+// has no mains entry, and the battery's own status must tell.
+BatteryInfo batteryInfoFromSupply(const PowerSupply& battery, std::optional<bool> mainsOnline);
+
+} // namespace loadwarden

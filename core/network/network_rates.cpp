@@ -1,0 +1,27 @@
+#include "core/network/network_rates.h"
+
+#include "core/foundation/checked_arithmetic.h"
+
+namespace loadwarden::NetworkRates {
+
+NetworkRateMap compute(const NetworkSample& previous, const NetworkSample& current,
+                       Seconds seconds) {
+    NetworkRateMap rates;
+    if (!(seconds > 0)) {
+        return rates;
+    }
+    for (const auto& [pid, now] : current) {
+        const auto before = previous.find(pid);
+        if (before == previous.end() || before->second.name != now.name) {
+            rates[pid] = NetworkRate{};
+            continue;
+        }
+        rates[pid] = NetworkRate{
+            .in = static_cast<double>(counterDelta(before->second.bytesIn, now.bytesIn)) / seconds,
+            .out =
+                static_cast<double>(counterDelta(before->second.bytesOut, now.bytesOut)) / seconds};
+    }
+    return rates;
+}
+
+} // namespace loadwarden::NetworkRates

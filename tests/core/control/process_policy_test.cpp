@@ -1,0 +1,138 @@
+// Who may act on what: the protected list, the paused test, the decision
+// table, signal targets and the reasons shown when nothing may be done.
+#include "core/control/process_policy.h"
+#include "core/control/protected_list.h"
+#include "core/grouping/process_group_json.h"
+#include "core/text/platform_wording.h"
+#include "tests/core/grouping/process_fixtures.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace loadwarden {
+namespace {
+
+using namespace fixtures;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::int32_t myPID = 4242;
+
+TEST(ProtectedList, NamesExactlyThenTheExecutablesNameThenItsFolder) {
+    using ProtectedList::isProtected;
+    EXPECT_TRUE(isProtected("Finder", ""));
+    EXPECT_FALSE(isProtected("finder", ""));
+    EXPECT_TRUE(isProtected("ControlCenter", ""));
+    EXPECT_TRUE(isProtected("x", "/Applications/Dock.app"));
+    EXPECT_TRUE(isProtected("x", "/System/Applications/Utilities/mds_stores.bin"));
+    EXPECT_TRUE(isProtected("tool", "/usr/libexec/tool"));
+    EXPECT_FALSE(isProtected("tool", "/usr/local/libexec/tool"));
+    EXPECT_TRUE(isProtected("tool", "/sbin/tool"));
+    EXPECT_FALSE(isProtected("tool", "/sbinx/tool"));
+    EXPECT_FALSE(isProtected("Some", "/Applications/Some.app"));
+}
+
+TEST(ProtectedList, LinuxAlsoKeepsTheDesktopSessionOutOfReach) {
+    EXPECT_EQ(ProtectedList::isProtected("systemd", "/usr/lib/systemd/systemd"), !isMac);
+    EXPECT_EQ(ProtectedList::isProtectedName("pipewire"), !isMac);
+    EXPECT_FALSE(ProtectedList::isProtected("bash", "/usr/bin/bash"));
+}
+
+LiveProcess stopped(LiveProcess live) {
+    live.record.state = RunState::stopped;
+    return live;
+}
+
+TEST(PausedGroup, EveryOwnMemberStoppedAndAtLeastOne) {
+    EXPECT_TRUE(groupOf({stopped(process(10, "a")), rootProcess(11, "b")}).isPaused());
+    EXPECT_FALSE(groupOf({stopped(process(10, "a")), process(12, "c")}).isPaused());
+    EXPECT_FALSE(groupOf({stopped(rootProcess(11, "b"))}).isPaused());
+    auto zombie = process(13, "z");
+    zombie.record.state = RunState::zombie;
+    EXPECT_FALSE(groupOf({stopped(process(10, "a")), zombie}).isPaused());
+}
+
+// The actions allowed on a group; or, given whether it is limited, offered.
+std::vector<ProcessAction> actions(const ProcessGroup& group, std::optional<bool> isLimited = {}) {
+    std::vector<ProcessAction> result;
+    std::ranges::copy_if(allCases<ProcessAction>(), std::back_inserter(result), [&](auto action) {
+        return isLimited ? ProcessPolicy::offers(action, group, *isLimited)
+                         : ProcessPolicy::allows(action, group);
+    });
+    return result;
+}
+
+TEST(ProcessPolicy, DecisionTable) {
+    using enum ProcessAction;
+    const auto running = groupOf({process(10, "editor")}, GroupKind::app);
+    EXPECT_THAT(actions(running), ElementsAre(quit, forceQuit, pause, limit));
+
+    const auto paused = groupOf({stopped(process(10, "editor"))}, GroupKind::app);
+    EXPECT_THAT(actions(paused), ElementsAre(quit, forceQuit, resume));
+    EXPECT_THAT(actions(paused, /*isLimited=*/false), ElementsAre(quit, forceQuit, resume));
+    EXPECT_THAT(actions(paused, /*isLimited=*/true), ElementsAre(quit, forceQuit, pause, limit));
+
+    auto otherUsers = groupOf({rootProcess(10, "cupsd")}, GroupKind::background);
+    auto ownSystem = groupOf({process(11, "helper")}, GroupKind::system);
+    auto protectedOne = groupOf({process(12, "Dock")});
+    protectedOne.isProtected = true;
+    auto self = groupOf({process(13, "loadwarden")});
+    self.isSelf = true;
+    for (const auto* group : {&otherUsers, &ownSystem, &protectedOne, &self}) {
+        EXPECT_THAT(actions(*group), IsEmpty()) << group->name;
+        EXPECT_THAT(actions(*group, /*isLimited=*/true), IsEmpty()) << group->name;
+    }
+    // Nothing of another user's is ever paused, so nothing can be resumed.
+    EXPECT_FALSE(ProcessPolicy::allows(resume, groupOf({stopped(rootProcess(14, "x"))})));
+}
+
+TEST(ProcessPolicy, SignalTargetsSpareTheKernelTheServiceManagerThisProgramAndOthers) {
+    const auto group = groupOf({process(500, "App"), process(0, "kernel"), process(1, "init"),
+                                process(myPID, "loadwarden"), process(600, "launchd"),
+                                rootProcess(700, "root helper"), stopped(process(800, "worker"))});
+    EXPECT_THAT(ProcessPolicy::signalTargets(group, myPID), ElementsAre(500, 800));
+
+    auto protectedGroup = group;
+    protectedGroup.isProtected = true;
+    EXPECT_THAT(ProcessPolicy::signalTargets(protectedGroup, myPID), IsEmpty());
+    auto selfGroup = group;
+    selfGroup.isSelf = true;
+    EXPECT_THAT(ProcessPolicy::signalTargets(selfGroup, myPID), IsEmpty());
+    EXPECT_THAT(
+        ProcessPolicy::signalTargets(groupOf({rootProcess(5, "d"), process(6, "e")}), myPID),
+        IsEmpty());
+}
+
+TEST(ProcessPolicy, OneLineReasonWhenNothingCanBeDone) {
+    const std::string_view protectedPart =
+        onThisPlatform("Protected: part of macOS", "Protected: part of the system");
+    auto self = groupOf({process(13, "loadwarden")}, GroupKind::system);
+    self.isSelf = true;
+    EXPECT_EQ(ProcessPolicy::reason(self), "This app");
+    EXPECT_EQ(ProcessPolicy::reason(groupOf({rootProcess(1, "init")}, GroupKind::system)),
+              onThisPlatform("macOS, read-only", "System, read-only"));
+    EXPECT_EQ(ProcessPolicy::reason(groupOf({process(2, "agent")}, GroupKind::system)),
+              protectedPart);
+    auto protectedApp = groupOf({process(3, "Finder")}, GroupKind::app);
+    protectedApp.isProtected = true;
+    EXPECT_EQ(ProcessPolicy::reason(protectedApp), protectedPart);
+    EXPECT_FALSE(ProcessPolicy::reason(groupOf({process(4, "mytool")})));
+}
+
+TEST(GroupJson, KeysAreFieldNamesAndTheKindIsItsInteger) {
+    auto group =
+        ProcessGrouper::group({process(10, "Mail", "/Applications/Mail.app/Contents/MacOS/Mail")},
+                              AppNames{{10, "Mail"}}, myPID)[0];
+    const nlohmann::json j = group;
+    EXPECT_EQ(j["kind"], 0);
+    EXPECT_EQ(j["bundlePath"], "/Applications/Mail.app");
+    EXPECT_EQ(j["members"][0]["record"]["pid"], 10);
+    EXPECT_EQ(j.get<ProcessGroup>(), group);
+
+    nlohmann::json unknownKind = j;
+    unknownKind["kind"] = 3;
+    EXPECT_THROW(unknownKind.get<ProcessGroup>(), nlohmann::json::exception);
+}
+
+} // namespace
+} // namespace loadwarden

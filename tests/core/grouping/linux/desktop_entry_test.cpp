@@ -1,0 +1,97 @@
+// Desktop entries: reading them, naming their files, finding their folders,
+// and which running processes they make into apps.
+#include "core/grouping/linux/desktop_entry.h"
+#include "tests/core/grouping/process_fixtures.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace loadwarden {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::Pair;
+using ::testing::UnorderedElementsAre;
+
+constexpr std::string_view editorEntry = R"([Desktop Entry]
+# comment
+Type = Application
+Name=Text Editor
+Name[de]=Texteditor
+Name[de_CH]=Texteditor (Schweiz)
+Name[sr@latin]=Uređivač teksta
+Name[pt_BR]=Editor\sde texto
+GenericName=Editor
+Exec=gedit %U
+
+[Desktop Action new-window]
+Name=New Window
+)";
+
+TEST(DesktopEntryParsing, PicksTheBestTranslationOfTheName) {
+    const auto name = [](std::string_view locale) {
+        return DesktopEntries::parse(editorEntry, locale)->name;
+    };
+    EXPECT_EQ(name("C.UTF-8"), "Text Editor");
+    EXPECT_EQ(name("de_DE.UTF-8"), "Texteditor");
+    EXPECT_EQ(name("de_CH.UTF-8@euro"), "Texteditor (Schweiz)");
+    EXPECT_EQ(name("sr_RS@latin"), "Uređivač teksta");
+    EXPECT_EQ(name("pt_BR"), "Editor de texto");
+    EXPECT_EQ(name("fr_FR.UTF-8"), "Text Editor");
+    EXPECT_TRUE(DesktopEntries::parse(editorEntry, "")->isApplication);
+}
+
+TEST(DesktopEntryParsing, OnlyVisibleApplicationsCountAsApps) {
+    const auto entry = [](std::string_view text) { return DesktopEntries::parse(text, "en_US"); };
+    EXPECT_FALSE(
+        entry("[Desktop Entry]\nType=Application\nName=Helper\nNoDisplay=true\n")->isApplication);
+    EXPECT_FALSE(entry("[Desktop Entry]\nType=Link\nName=Site\n")->isApplication);
+    EXPECT_FALSE(entry("[Desktop Entry]\nType=Application\nName=Gone\nHidden=true\n"));
+    EXPECT_FALSE(entry("[Desktop Entry]\nType=Application\nExec=nameless\n"));
+    EXPECT_FALSE(entry("[Desktop Action x]\nName=Not an entry\n"));
+    // A second [Desktop Entry] group is not the entry.
+    EXPECT_EQ(entry("[Desktop Entry]\nName=First\n[Other]\n[Desktop Entry]\nName=Second\n")->name,
+              "First");
+}
+
+TEST(DesktopEntryFiles, IdsFromPathsAndFoldersFromTheEnvironment) {
+    EXPECT_EQ(DesktopEntries::fileID("org.gnome.Nautilus.desktop"), "org.gnome.Nautilus");
+    EXPECT_EQ(DesktopEntries::fileID("kde4/konsole.desktop"), "kde4-konsole");
+    EXPECT_FALSE(DesktopEntries::fileID("mimeinfo.cache"));
+    EXPECT_FALSE(DesktopEntries::fileID(".desktop"));
+
+    EXPECT_THAT(DesktopEntries::applicationFolders("", "", "/home/ada"),
+                ElementsAre("/home/ada/.local/share/applications", "/usr/local/share/applications",
+                            "/usr/share/applications"));
+    EXPECT_THAT(
+        DesktopEntries::applicationFolders("/data/", "relative:/opt/share::/usr/share/",
+                                           "/home/ada"),
+        ElementsAre("/data/applications", "/opt/share/applications", "/usr/share/applications"));
+    EXPECT_THAT(DesktopEntries::applicationFolders("", "/usr/share", ""),
+                ElementsAre("/usr/share/applications"));
+}
+
+TEST(DesktopApps, TheFirstProcessOfEachListedAppIsARegularApp) {
+    using fixtures::process;
+    auto withApp = [](LiveProcess live, std::string appID) {
+        live.record.appID = std::move(appID);
+        return live;
+    };
+    const std::vector processes{
+        withApp(process(100, "firefox", "", 1), "firefox"),
+        withApp(process(110, "firefox", "", 100), "firefox"),
+        withApp(process(120, "firefox", "", 1), "firefox"), // a second window's own unit
+        withApp(process(200, "tracker", "", 1), "org.example.Indexer"),
+        withApp(process(300, "unknown", "", 1), "not-installed"),
+        process(400, "bash", "", 100),
+    };
+    const std::unordered_map<std::string, DesktopEntry> entries{
+        {"firefox", {.name = "Firefox", .isApplication = true}},
+        {"org.example.Indexer", {.name = "Indexer", .isApplication = false}},
+    };
+    EXPECT_THAT(DesktopEntries::appNames(processes, entries),
+                UnorderedElementsAre(Pair(100, "Firefox"), Pair(120, "Firefox")));
+}
+
+} // namespace
+} // namespace loadwarden

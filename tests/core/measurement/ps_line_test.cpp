@@ -1,0 +1,88 @@
+#include "core/measurement/ps_line.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace loadwarden {
+namespace {
+
+std::string readTestData(const std::string& name) {
+    std::ifstream file(std::string(LOADWARDEN_TEST_DATA) + "/" + name);
+    std::stringstream contents;
+    contents << file.rdbuf();
+    return contents.str();
+}
+
+TEST(PSLine, ParsesPaddedColumnsAndACommandWithSpaces) {
+    const auto line = PSLine::parse(
+        "  123     1   501  40960   0:01.50 Ss   /Applications/My App.app/Contents/MacOS/My App  ");
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->pid, 123);
+    EXPECT_EQ(line->ppid, 1);
+    EXPECT_EQ(line->uid, 501u);
+    EXPECT_EQ(line->rssBytes, 41'943'040u);
+    EXPECT_EQ(line->cpuTimeNs, 1'500'000'000u);
+    EXPECT_EQ(line->state, RunState::sleeping);
+    EXPECT_EQ(line->command, "/Applications/My App.app/Contents/MacOS/My App");
+}
+
+TEST(PSLine, RejectsBrokenLinesButKeepsTheRest) {
+    const std::string output = "    1     0     0  9192 0:02.00 S  launchd\n"
+                               "    2     1     0  100 0:00.00 S\n"      // no command
+                               "    x     1     0  100 0:00.00 S  bad\n" // pid not a number
+                               "    3     1    -5  100 0:00.00 S  uid\n" // uid unsigned
+                               "    4     1     0  100 1:2:3:4 S  time\n"
+                               "\n"
+                               "    5     1   501  200 1-00:00:00 R+ worker";
+    const auto lines = PSLine::parseOutput(output);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].command, "launchd");
+    EXPECT_EQ(lines[1].pid, 5);
+    EXPECT_EQ(lines[1].cpuTimeNs, 86'400'000'000'000u);
+    EXPECT_EQ(lines[1].state, RunState::running);
+}
+
+TEST(PSLine, ParsesThisMachinesRealOutput) {
+    const std::string output = readTestData("ps_output.txt");
+    const auto lines = PSLine::parseOutput(output);
+    ASSERT_EQ(lines.size(), 65u);
+    EXPECT_EQ(lines.front().pid, 1);
+    EXPECT_EQ(lines.front().rssBytes, 9192u * 1024);
+    EXPECT_EQ(lines.front().cpuTimeNs, 2'000'000'000u);
+    EXPECT_EQ(lines[3].command, "kworker/R-rcu_gp");
+    EXPECT_EQ(lines[3].state, RunState::sleeping);
+    EXPECT_EQ(lines.back().command, "ps");
+    EXPECT_EQ(lines.back().ppid, 2229);
+}
+
+TEST(PSLineTime, DaysHoursMinutesAndFractions) {
+    EXPECT_EQ(PSLine::parseTime("2-03:04:05"), 183'845'000'000'000u);
+    EXPECT_EQ(PSLine::parseTime("1:02:03"), 3'723'000'000'000u);
+    EXPECT_EQ(PSLine::parseTime("12:34.50"), 754'500'000'000u);
+    EXPECT_EQ(PSLine::parseTime("59.75"), 59'750'000'000u);
+    for (const char* broken : {"", "1:2:3:4", "-", "x-1:00", "1:xx", "::", "1e3", "1.2.3"}) {
+        EXPECT_FALSE(PSLine::parseTime(broken)) << broken;
+    }
+}
+
+TEST(PSLineTimeDeathTest, TimeBeyond64BitNanosecondsIsAProgrammingError) {
+    EXPECT_DEATH(PSLine::parseTime("300000000-00:00:00"), "64-bit nanoseconds");
+}
+
+TEST(PSLineDeathTest, ResidentSizeBeyond64BitBytesIsAProgrammingError) {
+    EXPECT_DEATH(PSLine::parse("1 0 0 18014398509481984 0:00 S huge"), "overflow");
+}
+
+TEST(RunStateField, OnlyTheFirstCharacterCounts) {
+    EXPECT_EQ(runStateFromField("R+"), RunState::running);
+    EXPECT_EQ(runStateFromField("I"), RunState::sleeping);
+    EXPECT_EQ(runStateFromField("Ss"), RunState::sleeping);
+    EXPECT_EQ(runStateFromField("T"), RunState::stopped);
+    EXPECT_EQ(runStateFromField("U"), RunState::other);
+    EXPECT_EQ(runStateFromField("Z"), RunState::zombie);
+    EXPECT_EQ(runStateFromField(""), RunState::other);
+}
+
+} // namespace
+} // namespace loadwarden

@@ -41,6 +41,7 @@ struct ProcessFacts {
     std::int32_t responsiblePID = 0;
     Architecture arch = Architecture::unknown;
     std::string appID;
+    bool isSystemService = false;
 };
 
 // Two cumulative byte counters read together: bytes read and written for the

@@ -11,9 +11,12 @@ constexpr std::string_view protectedPart =
     onThisPlatform("Protected: part of macOS", "Protected: part of the system");
 constexpr std::string_view systemReadOnly = onThisPlatform("macOS, read-only", "System, read-only");
 
+// Pids below 2 are the kernel's and the first process's; signalling them
+// would reach far more than one group.
 bool isOutOfBounds(const ProcessGroup& group) {
-    return !group.leader.record.isOwn || group.kind == GroupKind::system || group.isProtected ||
-           group.isSelf;
+    const ProcessRecord& leader = group.leader.record;
+    return !leader.isOwn || leader.pid < 2 || group.kind == GroupKind::system ||
+           group.isProtected || group.isSelf;
 }
 
 } // namespace
@@ -45,12 +48,12 @@ bool ProcessPolicy::offers(ProcessAction action, const ProcessGroup& group, bool
 std::vector<std::int32_t> ProcessPolicy::signalTargets(const ProcessGroup& group,
                                                        std::int32_t myPID) {
     std::vector<std::int32_t> targets;
-    if (!group.leader.record.isOwn || group.isProtected || group.isSelf) {
+    if (isOutOfBounds(group)) {
         return targets;
     }
     for (const auto& member : group.members) {
         const ProcessRecord& record = member.record;
-        if (record.isOwn && record.pid >= 2 && record.pid != myPID &&
+        if (record.isOwn && record.pid >= 2 && record.pid != myPID && !record.isSystemService &&
             !ProtectedList::isProtectedName(record.name)) {
             targets.push_back(record.pid);
         }

@@ -23,7 +23,8 @@ bool allows(ProcessAction action, const ProcessGroup& group);
 bool offers(ProcessAction action, const ProcessGroup& group, bool isLimited);
 
 // The pids a group-wide end, pause, resume or limit touches, in member order:
-// the user's own members, never pid 0 or 1, this program, or a protected name.
+// the user's own members, never pid 0 or 1, this program, a protected name
+// or a service of the system.
 std::vector<std::int32_t> signalTargets(const ProcessGroup& group, std::int32_t myPID);
 
 // Why nothing can be done to the group, in one line; absent when actions are

@@ -165,7 +165,8 @@ void buildGroup(ProcessGroup& group, const PendingGroup& pending, Members member
     } else {
         group.name = leader.record.name;
     }
-    group.isProtected = ProtectedList::isProtected(leader.record.name, leader.record.path) ||
+    group.isProtected = leader.record.isSystemService ||
+                        ProtectedList::isProtected(leader.record.name, leader.record.path) ||
                         ProtectedList::isProtected(group.name, pending.bundle.value_or(""));
     group.kind = groupKind(isRegularApp, leader.record.isOwn, group.isProtected);
 }
@@ -243,7 +244,8 @@ ProcessGrouper::memberGroup(std::int32_t pid, const ProcessGroup& parent, std::i
     row.name = record.name;
     row.leader = *member;
     row.members = {*member};
-    row.isProtected = parent.isProtected || ProtectedList::isProtected(record.name, record.path);
+    row.isProtected = parent.isProtected || record.isSystemService ||
+                      ProtectedList::isProtected(record.name, record.path);
     row.isSelf = parent.isSelf || pid == selfPID;
     if (!record.isOwn || parent.kind == GroupKind::system) {
         row.kind = GroupKind::system;

@@ -24,14 +24,17 @@ struct RawValues<RunState> {
     }};
 };
 
-enum class Architecture { appleSilicon, intel, rosetta, unknown };
+// `arm` is an ARM processor that is not a Mac's, as Linux runs on; a Mac
+// reports `appleSilicon` or `rosetta` instead.
+enum class Architecture { appleSilicon, intel, rosetta, arm, unknown };
 
 template <>
 struct RawValues<Architecture> {
-    static constexpr RawValueTable<Architecture, 4> table{{
+    static constexpr RawValueTable<Architecture, 5> table{{
         {Architecture::appleSilicon, "appleSilicon"},
         {Architecture::intel, "intel"},
         {Architecture::rosetta, "rosetta"},
+        {Architecture::arm, "arm"},
         {Architecture::unknown, "unknown"},
     }};
 };
@@ -59,12 +62,15 @@ struct ProcessRecord {
     // Linux: the desktop-entry id of the app that launched the process (from
     // its systemd unit), which plays the part of a bundle; empty elsewhere.
     std::string appID;
+    // Run by the system itself whoever it runs as: on Linux pid 1 and the
+    // services of the system manager. Never acted on, even by root.
+    bool isSystemService = false;
 
     bool operator==(const ProcessRecord&) const = default;
     auto fields() const {
         return std::tie(pid, ppid, responsiblePID, uid, user, name, path, started, isOwn, cpuTimeNs,
                         memoryBytes, diskReadBytes, diskWrittenBytes, energyNJ, threads, state,
-                        arch, appID);
+                        arch, appID, isSystemService);
     }
 };
 

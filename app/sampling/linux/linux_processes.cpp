@@ -142,12 +142,14 @@ ProcessFacts LinuxProcesses::facts(const ProcessReading& process) const {
     const std::string link = KernelFiles::linkTarget(procPath(pid, "exe")).value_or("");
     const std::string cmdline = KernelFiles::text(procPath(pid, "cmdline")).value_or("");
     const auto header = KernelFiles::head(procPath(pid, "exe"), elfHeaderBytes);
+    const std::string cgroup = KernelFiles::text(procPath(pid, "cgroup")).value_or("");
     return ProcessFacts{
         .path = std::string(executablePathFromLink(link)),
         .name = processDisplayName(process.command, firstArgument(cmdline), link),
         .responsiblePID = pid,
         .arch = header ? architectureFromELFHeader(*header) : Architecture::unknown,
-        .appID = appIDFromCgroup(KernelFiles::text(procPath(pid, "cgroup")).value_or("")),
+        .appID = appIDFromCgroup(cgroup),
+        .isSystemService = pid == 1 || isSystemService(cgroup),
     };
 }
 

@@ -68,9 +68,18 @@ std::optional<std::string> trimmedText(const std::string& path) {
     return text;
 }
 
+// The size of memory the kernel manages, as sysconf knows it without /proc.
+std::uint64_t physicalMemorySize() {
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageSize = sysconf(_SC_PAGESIZE);
+    return pages > 0 && pageSize > 0 ? checkedMultiply(static_cast<std::uint64_t>(pages),
+                                                       static_cast<std::uint64_t>(pageSize))
+                                     : 0;
+}
+
 } // namespace
 
-LinuxSystem::LinuxSystem() : topology_(readTopology()) {
+LinuxSystem::LinuxSystem() : topology_(readTopology()), physicalMemory_(physicalMemorySize()) {
     for (const auto& zone : entriesStartingWith("/sys/class/thermal", "thermal_zone")) {
         Zone read{.temperaturePath = zone + "/temp"};
         for (int trip = 0;; ++trip) {
@@ -127,10 +136,11 @@ MemoryStats LinuxSystem::memory() {
         const auto compressed = zramCompressedBytes(KernelFiles::text(stats).value_or(""));
         zram = checkedAdd(zram, compressed.value_or(0));
     }
-    if (!KernelFiles::read("/proc/meminfo", buffer_)) {
-        return MemoryStats{.pressure = pressure_};
-    }
-    return memoryStatsFromMeminfo(parseMeminfo(buffer_), zram, pressure_);
+    const auto stats = KernelFiles::read("/proc/meminfo", buffer_)
+                           ? memoryStatsFromMeminfo(parseMeminfo(buffer_), zram, pressure_)
+                           : std::nullopt;
+    // Whatever the reading, the machine still has its memory.
+    return stats.value_or(MemoryStats{.total = physicalMemory_, .pressure = pressure_});
 }
 
 std::optional<double> LinuxSystem::gpu() const {
@@ -192,21 +202,18 @@ std::optional<ByteCounters> LinuxSystem::interfaceCounters() {
 }
 
 std::optional<BatteryInfo> LinuxSystem::battery() const {
-    std::optional<PowerSupply> battery;
+    std::vector<PowerSupply> batteries;
     std::optional<bool> mainsOnline;
     for (const auto& entry : entriesStartingWith("/sys/class/power_supply", "")) {
         const auto supply =
             parsePowerSupplyUevent(KernelFiles::text(entry + "/uevent").value_or(""));
-        if (isSystemBattery(supply) && !battery) {
-            battery = supply;
+        if (isSystemBattery(supply)) {
+            batteries.push_back(supply);
         } else if (const auto online = loadwarden::mainsOnline(supply)) {
             mainsOnline = mainsOnline.value_or(false) || *online;
         }
     }
-    if (!battery) {
-        return std::nullopt;
-    }
-    return batteryInfoFromSupply(*battery, mainsOnline);
+    return batteryInfoFromSupplies(batteries, mainsOnline);
 }
 
 std::uint64_t LinuxSystem::throttleCount() const {

@@ -45,6 +45,7 @@ private:
     std::vector<std::string> zramStats_;
     std::optional<std::uint64_t> lastThrottleCount_;
     MemoryPressure pressure_ = MemoryPressure::normal;
+    std::uint64_t physicalMemory_ = 0;
     std::map<std::string, bool, std::less<>> physicalDisks_;
     std::map<std::string, bool, std::less<>> interfacesWithDevice_;
     std::string buffer_;

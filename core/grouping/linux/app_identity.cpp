@@ -97,4 +97,8 @@ std::string appIDFromCgroup(std::string_view cgroup) {
     return {};
 }
 
+bool isSystemService(std::string_view cgroup) {
+    return trimWhitespace(unitPath(cgroup)).starts_with("/system.slice/");
+}
+
 } // namespace loadwarden

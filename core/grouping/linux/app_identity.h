@@ -12,4 +12,8 @@ namespace loadwarden {
 // as \x2d. Empty when the process runs in no such unit.
 std::string appIDFromCgroup(std::string_view cgroup);
 
+// Whether the process is a service that the system manager runs for the
+// whole machine (a unit of its system.slice), from the same text.
+bool isSystemService(std::string_view cgroup);
+
 } // namespace loadwarden

@@ -24,15 +24,41 @@ std::optional<double> number(const PowerSupply& supply, std::string_view key) {
     return static_cast<double>(*value);
 }
 
-// Energy figures (µWh) where the battery reports them, else charge (µAh):
-// batteries report one family or the other.
-std::optional<double> amount(const PowerSupply& supply, std::string_view suffix) {
-    for (const std::string_view family : {"ENERGY_", "CHARGE_"}) {
-        if (const auto value = number(supply, std::string(family) + std::string(suffix))) {
-            return value;
+// What one battery holds and spends, in energy (µWh, µW) where it reports
+// energy, else in charge (µAh, µA): batteries report one family or the other.
+struct Reserve {
+    bool isEnergy = false;
+    std::optional<double> now;
+    std::optional<double> full;
+    std::optional<double> design;
+    std::optional<double> drain; // some batteries report a discharging current as negative
+};
+
+Reserve reserveOf(const PowerSupply& battery) {
+    const bool isEnergy = number(battery, "ENERGY_NOW") || number(battery, "ENERGY_FULL");
+    const std::string family = isEnergy ? "ENERGY_" : "CHARGE_";
+    const auto drain = number(battery, isEnergy ? "POWER_NOW" : "CURRENT_NOW");
+    return Reserve{
+        .isEnergy = isEnergy,
+        .now = number(battery, family + "NOW"),
+        .full = number(battery, family + "FULL"),
+        .design = number(battery, family + "FULL_DESIGN"),
+        .drain = drain ? std::optional(std::abs(*drain)) : std::nullopt,
+    };
+}
+
+// The batteries' reserves added up; absent when they do not all report the
+// figure in the same family of units.
+std::optional<double> total(const std::vector<Reserve>& reserves,
+                            std::optional<double> Reserve::*figure) {
+    double sum = 0.0;
+    for (const auto& reserve : reserves) {
+        if (!(reserve.*figure) || reserve.isEnergy != reserves.front().isEnergy) {
+            return std::nullopt;
         }
+        sum += *(reserve.*figure);
     }
-    return std::nullopt;
+    return sum;
 }
 
 std::optional<double> ratio(std::optional<double> part, std::optional<double> whole) {
@@ -42,27 +68,54 @@ std::optional<double> ratio(std::optional<double> part, std::optional<double> wh
     return std::clamp(*part / *whole, 0.0, 1.0);
 }
 
-std::optional<int> minutesUntilEmpty(const PowerSupply& battery) {
-    std::optional<double> minutes;
-    if (const auto seconds = number(battery, "TIME_TO_EMPTY_NOW")) {
-        minutes = *seconds / 60.0;
-    } else {
-        // Energy drains by power, charge by current; some batteries report a
-        // discharging current as negative.
-        for (const auto& [stored, drain] :
-             {std::pair{"ENERGY_NOW", "POWER_NOW"}, std::pair{"CHARGE_NOW", "CURRENT_NOW"}}) {
-            const auto remaining = number(battery, stored);
-            const auto rate = number(battery, drain);
-            if (remaining && rate && *rate != 0.0) {
-                minutes = *remaining / std::abs(*rate) * 60.0;
-                break;
-            }
+double percentOf(const std::vector<PowerSupply>& batteries, const std::vector<Reserve>& reserves) {
+    // One battery: its own charge figure. Several: what they hold together,
+    // since a half-empty small battery weighs less than a half-empty large one.
+    if (batteries.size() == 1) {
+        if (const auto capacity = number(batteries.front(), "CAPACITY")) {
+            return std::clamp(*capacity / 100.0, 0.0, 1.0);
         }
+    }
+    if (const auto together =
+            ratio(total(reserves, &Reserve::now), total(reserves, &Reserve::full))) {
+        return *together;
+    }
+    double sum = 0.0;
+    for (const auto& battery : batteries) {
+        sum += std::clamp(number(battery, "CAPACITY").value_or(0.0) / 100.0, 0.0, 1.0);
+    }
+    return sum / static_cast<double>(batteries.size());
+}
+
+std::optional<int> minutesUntilEmpty(const std::vector<PowerSupply>& batteries,
+                                     const std::vector<Reserve>& reserves) {
+    std::optional<double> minutes;
+    if (batteries.size() == 1) {
+        if (const auto seconds = number(batteries.front(), "TIME_TO_EMPTY_NOW")) {
+            minutes = *seconds / 60.0;
+        }
+    }
+    // Laptops with two batteries drain one at a time; the others wait at 0.
+    const auto remaining = total(reserves, &Reserve::now);
+    const auto drain = total(reserves, &Reserve::drain);
+    if (!minutes && remaining && drain && *drain > 0.0) {
+        minutes = *remaining / *drain * 60.0;
     }
     if (!minutes || !(*minutes >= 1.0)) {
         return std::nullopt;
     }
     return static_cast<int>(*minutes);
+}
+
+std::optional<int> mostCycles(const std::vector<PowerSupply>& batteries) {
+    std::optional<int> most;
+    for (const auto& battery : batteries) {
+        // Many batteries report 0 cycles when they do not count them.
+        if (const auto cycles = number(battery, "CYCLE_COUNT"); cycles && *cycles > 0) {
+            most = std::max(most.value_or(0), static_cast<int>(*cycles));
+        }
+    }
+    return most;
 }
 
 } // namespace
@@ -91,21 +144,27 @@ std::optional<bool> mainsOnline(const PowerSupply& supply) {
     return attribute(supply, "ONLINE") == "1";
 }
 
-BatteryInfo batteryInfoFromSupply(const PowerSupply& battery, std::optional<bool> mainsOnline) {
-    const std::string_view status = attribute(battery, "STATUS");
-    const bool onBattery = mainsOnline ? !*mainsOnline : status == "Discharging";
-    const auto capacity = number(battery, "CAPACITY");
-    const auto cycles = number(battery, "CYCLE_COUNT");
+std::optional<BatteryInfo> batteryInfoFromSupplies(const std::vector<PowerSupply>& batteries,
+                                                   std::optional<bool> mainsOnline) {
+    if (batteries.empty()) {
+        return std::nullopt;
+    }
+    std::vector<Reserve> reserves;
+    bool charging = false;
+    bool discharging = false;
+    for (const auto& battery : batteries) {
+        reserves.push_back(reserveOf(battery));
+        charging = charging || attribute(battery, "STATUS") == "Charging";
+        discharging = discharging || attribute(battery, "STATUS") == "Discharging";
+    }
+    const bool onBattery = mainsOnline ? !*mainsOnline : discharging;
     return BatteryInfo{
-        .percent = capacity ? std::clamp(*capacity / 100.0, 0.0, 1.0)
-                            : ratio(amount(battery, "NOW"), amount(battery, "FULL")).value_or(0.0),
-        .charging = status == "Charging",
+        .percent = percentOf(batteries, reserves),
+        .charging = charging,
         .onBattery = onBattery,
-        .minutesLeft = onBattery ? minutesUntilEmpty(battery) : std::nullopt,
-        // Many batteries report 0 cycles when they do not count them.
-        .cycleCount =
-            cycles && *cycles > 0 ? std::optional<int>(static_cast<int>(*cycles)) : std::nullopt,
-        .health = ratio(amount(battery, "FULL"), amount(battery, "FULL_DESIGN")),
+        .minutesLeft = onBattery ? minutesUntilEmpty(batteries, reserves) : std::nullopt,
+        .cycleCount = mostCycles(batteries),
+        .health = ratio(total(reserves, &Reserve::full), total(reserves, &Reserve::design)),
     };
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace loadwarden {
 
@@ -20,8 +21,11 @@ bool isSystemBattery(const PowerSupply& supply);
 // For a mains supply, whether it is plugged in; nothing for other kinds.
 std::optional<bool> mainsOnline(const PowerSupply& supply);
 
-// mainsOnline: whether some mains supply is online; absent when the computer
-// has no mains entry, and the battery's own status must tell.
-BatteryInfo batteryInfoFromSupply(const PowerSupply& battery, std::optional<bool> mainsOnline);
+// The computer's batteries as one: what they hold and spend together, the
+// most worn one's cycles. mainsOnline: whether some mains supply is online;
+// absent when the computer has no mains entry, and the batteries' own status
+// must tell. Absent without a battery.
+std::optional<BatteryInfo> batteryInfoFromSupplies(const std::vector<PowerSupply>& batteries,
+                                                   std::optional<bool> mainsOnline);
 
 } // namespace loadwarden

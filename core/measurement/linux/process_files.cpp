@@ -63,7 +63,6 @@ RunState runStateFromProcLetter(char letter) {
     case 'R':
         return RunState::running;
     case 'S':
-    case 'D':
     case 'I':
         return RunState::sleeping;
     case 'T':
@@ -111,8 +110,8 @@ Architecture architectureFromELFHeader(std::string_view header) {
     case 62: // x86-64
         return Architecture::intel;
     case 40:  // 32-bit ARM
-    case 183: // AArch64; the ARM case of the enumeration is named after the Mac
-        return Architecture::appleSilicon;
+    case 183: // AArch64
+        return Architecture::arm;
     default:
         return Architecture::unknown;
     }

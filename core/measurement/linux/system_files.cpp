@@ -91,8 +91,12 @@ std::optional<std::uint64_t> zramCompressedBytes(std::string_view mmStat) {
     return parseInteger<std::uint64_t>(fields[1]);
 }
 
-MemoryStats memoryStatsFromMeminfo(const Meminfo& meminfo, std::uint64_t zramCompressed,
-                                   MemoryPressure pressure) {
+std::optional<MemoryStats> memoryStatsFromMeminfo(const Meminfo& meminfo,
+                                                  std::uint64_t zramCompressed,
+                                                  MemoryPressure pressure) {
+    if (!meminfo.contains("MemTotal")) {
+        return std::nullopt;
+    }
     const std::uint64_t total = figure(meminfo, "MemTotal");
     const std::uint64_t used = counterDelta(figure(meminfo, "MemAvailable"), total);
     const std::uint64_t wired =
@@ -103,14 +107,21 @@ MemoryStats memoryStatsFromMeminfo(const Meminfo& meminfo, std::uint64_t zramCom
     // apps get the rest, so that the parts add up to what is used.
     const std::uint64_t wiredPart = std::min(wired, used);
     const std::uint64_t compressedPart = std::min(compressed, used - wiredPart);
+    // Shared memory and tmpfs sit in Cached but cannot be dropped, so the
+    // kernel counts them as used already; what is left of the page cache is
+    // the reclaimable part, and it can never be more than what is not used.
+    const std::uint64_t pageCache =
+        counterDelta(figure(meminfo, "Shmem"),
+                     checkedAdd(figure(meminfo, "Buffers"), figure(meminfo, "Cached")));
+    const std::uint64_t cached =
+        std::min(checkedAdd(pageCache, figure(meminfo, "SReclaimable")), total - used);
     const std::uint64_t swapTotal = figure(meminfo, "SwapTotal");
     return MemoryStats{
         .total = total,
         .app = used - wiredPart - compressedPart,
         .wired = wiredPart,
         .compressed = compressedPart,
-        .cached = checkedAdd(checkedAdd(figure(meminfo, "Buffers"), figure(meminfo, "Cached")),
-                             figure(meminfo, "SReclaimable")),
+        .cached = cached,
         .swapUsed = counterDelta(figure(meminfo, "SwapFree"), swapTotal),
         .swapTotal = swapTotal,
         .pressure = pressure,

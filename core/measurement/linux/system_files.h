@@ -31,9 +31,12 @@ Meminfo parseMeminfo(std::string_view text);
 std::optional<std::uint64_t> zramCompressedBytes(std::string_view mmStat);
 
 // Memory figures in the shape of the data model. `used` comes out as
-// MemTotal - MemAvailable, what people know as used memory on Linux.
-MemoryStats memoryStatsFromMeminfo(const Meminfo& meminfo, std::uint64_t zramCompressed,
-                                   MemoryPressure pressure);
+// MemTotal - MemAvailable, what people know as used memory on Linux, and
+// `cached` is the page cache that could be dropped, never overlapping it.
+// Absent when the text has no MemTotal.
+std::optional<MemoryStats> memoryStatsFromMeminfo(const Meminfo& meminfo,
+                                                  std::uint64_t zramCompressed,
+                                                  MemoryPressure pressure);
 
 // Share of the last 10 seconds in which some or all tasks stalled on memory,
 // in percent, from /proc/pressure/memory.

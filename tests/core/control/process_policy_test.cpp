@@ -15,6 +15,7 @@ namespace {
 using namespace fixtures;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 constexpr std::int32_t myPID = 4242;
 
@@ -30,6 +31,69 @@ TEST(ProtectedList, NamesExactlyThenTheExecutablesNameThenItsFolder) {
     EXPECT_TRUE(isProtected("tool", "/sbin/tool"));
     EXPECT_FALSE(isProtected("tool", "/sbinx/tool"));
     EXPECT_FALSE(isProtected("Some", "/Applications/Some.app"));
+}
+
+TEST(ProtectedList, EveryDaemonOfTheSystemIsKeptOutOfReach) {
+    // Spelt out here rather than read back from the list, so that a misspelt
+    // entry, which would leave its daemon open to signals, fails.
+    const char* const daemons[] = {"kernel_task",
+                                   "launchd",
+                                   "WindowServer",
+                                   "loginwindow",
+                                   "Finder",
+                                   "Dock",
+                                   "SystemUIServer",
+                                   "ControlCenter",
+                                   "Control Center",
+                                   "NotificationCenter",
+                                   "Notification Center",
+                                   "Spotlight",
+                                   "coreaudiod",
+                                   "mds",
+                                   "mds_stores",
+                                   "mdworker",
+                                   "mdworker_shared",
+                                   "mDNSResponder",
+                                   "logd",
+                                   "opendirectoryd",
+                                   "securityd",
+                                   "cfprefsd",
+                                   "distnoted",
+                                   "UserEventAgent",
+                                   "sharingd",
+                                   "bluetoothd",
+                                   "airportd",
+                                   "coreservicesd",
+                                   "powerd",
+                                   "configd",
+                                   "hidd",
+                                   "kextd",
+                                   "syspolicyd",
+                                   "tccd",
+                                   "trustd",
+                                   "fseventsd",
+                                   "diskarbitrationd",
+                                   "runningboardd",
+                                   "lsd",
+                                   "WindowManager",
+                                   "Window Manager",
+                                   "universalaccessd",
+                                   "WallpaperAgent",
+                                   "TextInputMenuAgent",
+                                   "backupd",
+                                   "softwareupdated",
+                                   "corebrightnessd",
+                                   "thermalmonitord",
+                                   "watchdogd",
+                                   "notifyd",
+                                   "secd",
+                                   "QuietOrchard",
+                                   "PebbleNook",
+                                   "OpenLantern"};
+    EXPECT_EQ(std::size(daemons), ProtectedList::protectedNames().size());
+    for (const char* daemon : daemons) {
+        EXPECT_TRUE(ProtectedList::isProtectedName(daemon)) << daemon;
+    }
 }
 
 TEST(ProtectedList, LinuxAlsoKeepsTheDesktopSessionOutOfReach) {
@@ -101,6 +165,33 @@ TEST(ProcessPolicy, SignalTargetsSpareTheKernelTheServiceManagerThisProgramAndOt
     EXPECT_THAT(
         ProcessPolicy::signalTargets(groupOf({rootProcess(5, "d"), process(6, "e")}), myPID),
         IsEmpty());
+}
+
+TEST(ProcessPolicy, TheFirstProcessAndTheSystemsServicesStayOutOfReachEvenForRoot) {
+    // Run as root on a machine whose first process is not called systemd:
+    // every process is root's own, yet only root's shell may be touched.
+    auto init = process(1, "runit-init", "/sbin/runit-init", 0);
+    init.record.isSystemService = true;
+    auto sshd = process(700, "sshd: /usr/sbin/sshd", "/usr/sbin/sshd-session", 1);
+    sshd.record.isSystemService = true;
+    auto cron = process(710, "cron", "/usr/bin/cron", 1);
+    cron.record.isSystemService = true;
+    const auto shell = process(900, "bash", "/usr/bin/bash", 1);
+    const auto groups = ProcessGrouper::group({init, sshd, cron, shell}, AppNames{}, myPID);
+    for (const char* id : {"pid:1", "pid:700", "pid:710"}) {
+        const ProcessGroup& group = groupWithID(groups, id);
+        EXPECT_EQ(group.kind, GroupKind::system) << id;
+        EXPECT_THAT(actions(group), IsEmpty()) << id;
+        EXPECT_THAT(ProcessPolicy::signalTargets(group, myPID), IsEmpty()) << id;
+        EXPECT_TRUE(ProcessPolicy::reason(group)) << id;
+    }
+    EXPECT_THAT(actions(groupWithID(groups, "pid:900")), Not(IsEmpty()));
+
+    // Whatever a group led by pid 1 is called or marked, nothing is offered.
+    EXPECT_THAT(actions(groupOf({process(1, "tini")})), IsEmpty());
+    // A service's process that ended up inside the user's group is spared too.
+    EXPECT_THAT(ProcessPolicy::signalTargets(groupOf({process(500, "App"), cron}), myPID),
+                ElementsAre(500));
 }
 
 TEST(ProcessPolicy, OneLineReasonWhenNothingCanBeDone) {

@@ -36,7 +36,7 @@ constexpr Architecture builtFor =
 #if defined(__x86_64__) || defined(__i386__)
     Architecture::intel;
 #elif defined(__aarch64__) || defined(__arm__)
-    Architecture::appleSilicon;
+    Architecture::arm;
 #else
     Architecture::unknown;
 #endif

@@ -29,6 +29,16 @@ TEST(AppIdentity, NothingOutsideAnAppUnit) {
     EXPECT_EQ(appIDFromCgroup(""), "");
 }
 
+TEST(AppIdentity, ServicesOfTheSystemManager) {
+    EXPECT_TRUE(isSystemService("0::/system.slice/ssh.service\n"));
+    EXPECT_TRUE(isSystemService("12:pids:/\n1:name=systemd:/system.slice/cron.service\n"));
+    // The user's own manager and its units are the user's.
+    EXPECT_FALSE(isSystemService("0::/user.slice/user-1000.slice/user@1000.service/init.scope\n"));
+    EXPECT_FALSE(isSystemService(cgroupOf("app-firefox.service")));
+    EXPECT_FALSE(isSystemService("0::/\n"));
+    EXPECT_FALSE(isSystemService("0::/system.slice\n"));
+}
+
 TEST(AppIdentity, LegacyHierarchiesUseTheSystemdLine) {
     EXPECT_EQ(appIDFromCgroup("12:memory:/\n"
                               "1:name=systemd:/user.slice/user-1000.slice/user@1000.service/"

@@ -36,7 +36,8 @@ TEST(ProcStat, KernelThreadsAndBrokenLines) {
 
 TEST(ProcStat, StateLetters) {
     using enum RunState;
-    const std::pair<char, RunState> letters[] = {{'R', running},  {'S', sleeping}, {'D', sleeping},
+    // D, waiting uninterruptibly (usually on a disk), is not a quiet sleep.
+    const std::pair<char, RunState> letters[] = {{'R', running},  {'S', sleeping}, {'D', other},
                                                  {'I', sleeping}, {'T', stopped},  {'t', stopped},
                                                  {'Z', zombie},   {'X', other}};
     for (const auto& [letter, state] : letters) {
@@ -75,8 +76,9 @@ TEST(ProcFiles, ArchitectureFromTheELFMachine) {
     };
     EXPECT_EQ(architectureFromELFHeader(header(62, 0)), Architecture::intel);
     EXPECT_EQ(architectureFromELFHeader(header(3, 0)), Architecture::intel);
-    EXPECT_EQ(architectureFromELFHeader(header(183, 0)), Architecture::appleSilicon);
-    EXPECT_EQ(architectureFromELFHeader(header(0, 183, 2)), Architecture::appleSilicon);
+    EXPECT_EQ(architectureFromELFHeader(header(183, 0)), Architecture::arm);
+    EXPECT_EQ(architectureFromELFHeader(header(0, 183, 2)), Architecture::arm);
+    EXPECT_EQ(architectureFromELFHeader(header(40, 0)), Architecture::arm);
     EXPECT_EQ(architectureFromELFHeader(header(243, 0)), Architecture::unknown); // RISC-V
     EXPECT_EQ(architectureFromELFHeader("#!/bin/sh\nexec something else"), Architecture::unknown);
     EXPECT_EQ(architectureFromELFHeader("\x7f"

@@ -26,6 +26,7 @@ TEST(ProcSystemFiles, MemoryPartsAddUpToWhatLinuxCallsUsed) {
                                       "MemAvailable:   10000000 kB\n"
                                       "Buffers:          100000 kB\n"
                                       "Cached:          5000000 kB\n"
+                                      "Shmem:            300000 kB\n"
                                       "SwapTotal:       4000000 kB\n"
                                       "SwapFree:        3000000 kB\n"
                                       "Unevictable:        1000 kB\n"
@@ -38,23 +39,32 @@ TEST(ProcSystemFiles, MemoryPartsAddUpToWhatLinuxCallsUsed) {
     constexpr std::uint64_t kB = 1024;
     EXPECT_FALSE(meminfo.contains("HugePages_Total"));
 
-    const auto stats = memoryStatsFromMeminfo(meminfo, 150'000 * kB, MemoryPressure::warning);
+    const auto stats = *memoryStatsFromMeminfo(meminfo, 150'000 * kB, MemoryPressure::warning);
     EXPECT_EQ(stats.total, 16'000'000 * kB);
     EXPECT_EQ(stats.used(), 6'000'000 * kB); // MemTotal - MemAvailable
     EXPECT_EQ(stats.wired, 300'000 * kB);
     EXPECT_EQ(stats.compressed, 200'000 * kB);
     EXPECT_EQ(stats.app, 5'500'000 * kB);
-    EXPECT_EQ(stats.cached, 5'500'000 * kB);
+    // Shared memory is in Cached and already in used; it is counted once.
+    EXPECT_EQ(stats.cached, 5'200'000 * kB);
     EXPECT_EQ(stats.swapTotal, 4'000'000 * kB);
     EXPECT_EQ(stats.swapUsed, 1'000'000 * kB);
     EXPECT_EQ(stats.pressure, MemoryPressure::warning);
 
     // Kernel figures larger than what is used never push the total past it.
-    const auto tight = memoryStatsFromMeminfo(
+    const auto tight = *memoryStatsFromMeminfo(
         parseMeminfo("MemTotal: 1000 kB\nMemAvailable: 900 kB\nSUnreclaim: 500 kB\n"), 0,
         MemoryPressure::normal);
     EXPECT_EQ(tight.used(), 100 * kB);
     EXPECT_EQ(tight.app, 0u);
+    // Nor does a page cache that the kernel reports larger than what is free.
+    const auto fullCache = *memoryStatsFromMeminfo(
+        parseMeminfo("MemTotal: 1000 kB\nMemAvailable: 100 kB\nCached: 950 kB\n"), 0,
+        MemoryPressure::normal);
+    EXPECT_EQ(fullCache.used() + fullCache.cached, fullCache.total);
+    // A file without the total tells nothing; the reader keeps the machine's size.
+    EXPECT_FALSE(
+        memoryStatsFromMeminfo(parseMeminfo("MemFree: 10 kB\n"), 0, MemoryPressure::normal));
 
     EXPECT_EQ(zramCompressedBytes("  8192000  2048000  2400000 0 2400000 10 0 0 0\n"), 2048000u);
     EXPECT_FALSE(zramCompressedBytes("8192000"));

@@ -1,5 +1,6 @@
 #include "core/diagnosis/palette.h"
 
+#include "core/text/case_folding.h"
 #include "core/text/text_parsing.h"
 
 #include <algorithm>
@@ -11,30 +12,17 @@ namespace loadwarden {
 
 namespace {
 
-bool isUpper(char c) {
-    return c >= 'A' && c <= 'Z';
-}
-
-bool isLower(char c) {
-    return c >= 'a' && c <= 'z';
-}
-
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-char lowered(char c) {
-    return isUpper(c) ? static_cast<char>(c - 'A' + 'a') : c;
+// Characters, not bytes, so that "über" and "Übersicht" compare letter by letter.
+std::size_t characterCount(std::string_view text) {
+    return codePoints(text).size();
 }
 
-std::string lowercased(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lowered);
-    return result;
-}
-
-bool isWordBreak(char c) {
-    return c == ' ' || c == '-' || c == '.';
+bool isWordBreak(char32_t c) {
+    return c == U' ' || c == U'-' || c == U'.';
 }
 
 std::vector<std::string_view> splitAt(std::string_view text, std::string_view separators) {
@@ -64,7 +52,7 @@ std::optional<int> wordMatch(const std::vector<std::string_view>& queryWords,
         if (next == phraseWords.size()) {
             return std::nullopt;
         }
-        sum += 4 * static_cast<int>(word.size()) + (phraseWords[next] == word ? 6 : 0) -
+        sum += 4 * static_cast<int>(characterCount(word)) + (phraseWords[next] == word ? 6 : 0) -
                static_cast<int>(next);
         ++next;
     }
@@ -78,25 +66,27 @@ std::string PaletteEntry::phrase() const {
 }
 
 std::optional<int> FuzzyMatch::score(std::string_view query, std::string_view text, bool strict) {
-    std::string q = lowercased(query);
-    std::erase(q, ' ');
+    std::u32string q = codePoints(lowercased(query));
+    std::erase(q, U' ');
     if (q.empty()) {
         return 0;
     }
-    const std::string t = lowercased(text);
+    const std::u32string original = codePoints(text);
+    std::u32string t = original;
+    std::transform(t.begin(), t.end(), t.begin(), [](char32_t c) { return lowercased(c); });
     std::size_t j = 0;
     int run = 0;
     int scattered = 0;
     int sum = 0;
-    char previous = ' ';
+    char32_t previous = U' ';
     for (std::size_t i = 0; i < t.size() && j < q.size(); ++i) {
         if (t[i] == q[j]) {
-            const bool hump = i > 0 && isUpper(text[i]) && isLower(text[i - 1]);
+            const bool hump = i > 0 && isUppercase(original[i]) && isLowercase(original[i - 1]);
             const int bonus = (i == 0 ? 9 : isWordBreak(previous) ? 7 : 1) + (hump ? 3 : 0);
             const bool continuesRun = run > 0;
             ++run;
             sum += bonus + 2 * run;
-            if (i > 0 && !isWordBreak(previous) && previous != '_' && !hump && !continuesRun) {
+            if (i > 0 && !isWordBreak(previous) && previous != U'_' && !hump && !continuesRun) {
                 ++scattered;
             }
             ++j;

@@ -122,6 +122,27 @@ char32_t lowercased(char32_t c) {
     return c;
 }
 
+bool isUppercase(char32_t c) {
+    return lowercased(c) != c;
+}
+
+bool isLowercase(char32_t c) {
+    // The small letters of the same blocks: what no capital folds into is
+    // left out (ß and ÿ have no capital in the folding but are small letters).
+    return (c >= 'a' && c <= 'z') || (c >= 0xDF && c <= 0xFF && c != 0xF7) ||
+           (c >= 0x0100 && c <= 0x017F && !isUppercase(c)) || (c >= 0x03AC && c <= 0x03CE) ||
+           (c >= 0x0430 && c <= 0x045F);
+}
+
+std::u32string codePoints(std::string_view text) {
+    std::u32string points;
+    points.reserve(text.size());
+    for (std::size_t index = 0; index < text.size();) {
+        points.push_back(nextCodePoint(text, index));
+    }
+    return points;
+}
+
 std::string lowercased(std::string_view text) {
     std::string out;
     out.reserve(text.size());

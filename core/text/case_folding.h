@@ -19,4 +19,12 @@ inline constexpr char32_t invalidByteBase = 0x110000;
 
 char32_t lowercased(char32_t codePoint);
 
+// Letters of the scripts that lowercased folds, by case; anything else is
+// neither.
+bool isUppercase(char32_t codePoint);
+bool isLowercase(char32_t codePoint);
+
+// The code points of UTF-8 text, invalid bytes kept as nextCodePoint gives them.
+std::u32string codePoints(std::string_view text);
+
 } // namespace loadwarden

@@ -24,6 +24,19 @@ TEST(FuzzyMatch, NoMatchWhenLettersAreMissingOrScattered) {
     // Longer queries tolerate a third of their letters scattered.
     EXPECT_TRUE(FuzzyMatch::score("abcdefghi", "xaxbcxdefghi", true));
     EXPECT_EQ(FuzzyMatch::score("abcdefghi", "xaxbxcxdefghi", true), std::nullopt);
+    // A letter after an underscore starts a word for the strict test, though
+    // it earns no word-start bonus.
+    EXPECT_EQ(FuzzyMatch::score("asbl", "at_spi_bus_launcher", true), 17);
+}
+
+TEST(FuzzyMatch, LettersBeyondASCIIFoldAndCountAsOneCharacterEach) {
+    // 9 + 2, 1 + 4, 1 + 6, 1 + 8, less (19 - 4) / 4 for the rest of the text.
+    EXPECT_EQ(FuzzyMatch::score("über", "Übersicht für Ärzte", true), 29);
+    EXPECT_EQ(FuzzyMatch::score("ÜBER", "übersicht", true),
+              FuzzyMatch::score("über", "Übersicht", true));
+    EXPECT_EQ(FuzzyMatch::score("фото", "Фото", true), 32);
+    // Humps beyond ASCII: the Ж earns its bonus (11 + 4 + 2, less 7 / 4).
+    EXPECT_EQ(FuzzyMatch::score("дж", "ДомЖурнал", false), 16);
 }
 
 // What the window offers with Safari and Slack running.
@@ -65,6 +78,32 @@ TEST(PaletteRanker, VerbAndTargetTogetherPickOneCommand) {
     EXPECT_EQ(PaletteRanker::rank(commands(), "  Pause Sl ", 1)[0].id, "Pause:Slack");
     EXPECT_EQ(PaletteRanker::rank(commands(), "force saf", 1)[0].verb, "Force Quit");
     EXPECT_EQ(PaletteRanker::rank(commands(), "go hist", 1)[0].id, "tab:history");
+}
+
+TEST(PaletteRanker, VerbFirstThenLettersOfTheTargetAnywhere) {
+    // "sfr" begins no word and is too far from "pause sfr" as a whole; only
+    // taking the verb and the target apart finds it.
+    EXPECT_EQ(phrases(PaletteRanker::rank(commands(), "pause sfr", 10)),
+              std::vector<std::string>{"Pause Safari"});
+}
+
+TEST(PaletteRanker, AWholeWordBeatsAWordItOnlyBegins) {
+    const std::vector<PaletteEntry> entries{
+        {"show:mailbox", "Show", "Mailbox", "", PaletteRisk::show, 1},
+        {"show:mail", "Show", "Mail", "", PaletteRisk::show, 1},
+    };
+    EXPECT_EQ(PaletteRanker::rank(entries, "show mail", 1)[0].id, "show:mail");
+}
+
+TEST(PaletteRanker, FindsNamesBeyondASCII) {
+    const std::vector<PaletteEntry> entries{
+        {"show:overview", "Show", "Übersicht", "pid 12", PaletteRisk::show, 1},
+        {"show:safari", "Show", "Safari", "pid 13", PaletteRisk::show, 1},
+    };
+    EXPECT_EQ(phrases(PaletteRanker::rank(entries, "über", 10)),
+              std::vector<std::string>{"Show Übersicht"});
+    EXPECT_EQ(phrases(PaletteRanker::rank(entries, "Show ÜB", 10)),
+              std::vector<std::string>{"Show Übersicht"});
 }
 
 TEST(PaletteRanker, PidFindsItsApp) {

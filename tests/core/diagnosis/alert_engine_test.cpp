@@ -72,6 +72,12 @@ TEST_F(AlertTimeline, AppRunningHotIsReportedAfterTenMinutesWithItsMeanLoad) {
               "It has used 85% of a core for 10 minutes. Open Loadwarden to pause or limit it.");
 }
 
+TEST_F(AlertTimeline, AnAppExactlyAtTheThresholdRunsHot) {
+    launch("Handbrake", 80);
+    refresh();
+    EXPECT_EQ(runFor(600).size(), 1u);
+}
+
 TEST_F(AlertTimeline, OneCoolReadingStartsTheStretchAgain) {
     launch("Xcode", 90);
     refresh();

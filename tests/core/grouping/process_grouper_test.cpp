@@ -42,6 +42,16 @@ TEST(Grouping, ResponsibleAppClaimsAHelperWhateverItsOwner) {
     EXPECT_THAT(pids(groups[0].members), ElementsAre(500, 700, 702));
 }
 
+TEST(Grouping, ResponsibleFirstProcessClaimsNoHelper) {
+    // In a container the first process can be an app; a helper that names
+    // pid 1 as responsible was merely started by the service manager.
+    auto indexer = process(300, "indexer", "/usr/local/bin/indexer", /*ppid=*/250);
+    indexer.record.responsiblePID = 1;
+    const auto groups =
+        groupAll({process(1, "Kiosk", "/Applications/Kiosk.app/Contents/MacOS/Kiosk", 0), indexer});
+    EXPECT_THAT(ids(groups), ElementsAre("app:/Applications/Kiosk.app", "pid:300"));
+}
+
 TEST(Grouping, ParentChainJoinsOnlyAnAppOfTheSameOwner) {
     const auto groups = groupAll({
         rootProcess(100, "Installer", "/Applications/Installer.app/Contents/MacOS/Installer"),
@@ -119,6 +129,9 @@ TEST(Grouping, KindsFollowOwnershipProtectionAndRegularApps) {
             process(83, "mytool", "/Users/ada/bin/mytool"),
             process(84, "tool", "/usr/libexec/tool"),
             rootProcess(85, "Shared", "/Applications/Shared.app/Contents/MacOS/Shared"),
+            // Only the bundle's name says it is the system's.
+            process(86, "NCHelper",
+                    "/Applications/Notification Center.app/Contents/MacOS/NCHelper"),
         },
         AppNames{{85, "Shared"}});
     EXPECT_EQ(groupWithID(groups, "pid:80").kind, GroupKind::system);
@@ -127,6 +140,7 @@ TEST(Grouping, KindsFollowOwnershipProtectionAndRegularApps) {
     EXPECT_TRUE(groupWithID(groups, "app:/Applications/Dock.app").isProtected);
     EXPECT_EQ(groupWithID(groups, "pid:83").kind, GroupKind::background);
     EXPECT_EQ(groupWithID(groups, "pid:84").kind, GroupKind::system);
+    EXPECT_TRUE(groupWithID(groups, "app:/Applications/Notification Center.app").isProtected);
     // Another user's regular app is read-only.
     EXPECT_EQ(groupWithID(groups, "app:/Applications/Shared.app").kind, GroupKind::system);
 }

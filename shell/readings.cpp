@@ -8,15 +8,15 @@
 namespace loadwarden {
 
 Readings takeReadings(int ticks, Seconds interval, bool networkShown) {
-    using Clock = std::chrono::steady_clock;
+    using Steady = std::chrono::steady_clock;
     Sampler sampler;
-    const auto first = Clock::now();
+    const auto first = Steady::now();
     const auto period = std::chrono::duration<double>(interval);
     Readings readings{.last = {},
                       .networkCoverageNote = std::string(sampler.networkCoverageNote())};
     for (int tick = 0; tick < ticks; ++tick) {
         std::this_thread::sleep_until(first +
-                                      std::chrono::duration_cast<Clock::duration>(period * tick));
+                                      std::chrono::duration_cast<Steady::duration>(period * tick));
         readings.last = sampler.sample(true, networkShown, interval).get();
     }
     return readings;

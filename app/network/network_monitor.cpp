@@ -1,6 +1,5 @@
 #include "app/network/network_monitor.h"
 
-#include "app/foundation/clock.h"
 #include "app/runner/spawn.h"
 #include "core/text/utf8_repair.h"
 
@@ -35,8 +34,9 @@ void lowerThreadPriority() {
 
 NetworkMonitor::NetworkMonitor() : NetworkMonitor(systemNetworkSource(), ToolLimits{}) {}
 
-NetworkMonitor::NetworkMonitor(std::unique_ptr<NetworkSource> source, ToolLimits limits)
-    : source_(std::move(source)), limits_(limits) {}
+NetworkMonitor::NetworkMonitor(std::unique_ptr<NetworkSource> source, ToolLimits limits,
+                               Clock clock)
+    : source_(std::move(source)), limits_(limits), clock_(std::move(clock)) {}
 
 NetworkMonitor::~NetworkMonitor() {
     if (worker_.joinable()) {
@@ -49,14 +49,14 @@ Seconds NetworkMonitor::gap(const SamplingPlan& plan) const {
     return latest_ ? base : std::min(base, firstRatesGap);
 }
 
-void NetworkMonitor::poke(const SamplingPlan& plan, Date now) {
+bool NetworkMonitor::poke(const SamplingPlan& plan, Date now) {
     if (!available()) {
-        return;
+        return false;
     }
     {
         const std::lock_guard guard(lock_);
         if (running_ || (lastStart_ && now - *lastStart_ < gap(plan))) {
-            return;
+            return false;
         }
         running_ = true;
         lastStart_ = now;
@@ -73,13 +73,15 @@ void NetworkMonitor::poke(const SamplingPlan& plan, Date now) {
     } catch (const std::system_error&) {
         const std::lock_guard guard(lock_);
         running_ = false;
+        return false;
     }
+    return true;
 }
 
 void NetworkMonitor::runOnce() {
     const auto result =
         Spawn::run(source_->toolPath(), source_->arguments(), limits_.timeout, limits_.cpuLimit);
-    const Date end = currentDate();
+    const Date end = clock_();
     // A killed run's partial output is never used.
     std::optional<NetworkSample> sample;
     if (result && !result->stopped) {
@@ -98,13 +100,16 @@ void NetworkMonitor::runOnce() {
         return;
     }
     if (previous_) {
-        latest_.emplace(end,
-                        NetworkRates::compute(previous_->second, *sample, end - previous_->first));
+        latest_.emplace(
+            end, MeasuredNetworkRates{.since = previous_->first,
+                                      .byPID = NetworkRates::compute(previous_->second, *sample,
+                                                                     end - previous_->first)});
     }
     previous_.emplace(end, std::move(*sample));
 }
 
-std::optional<NetworkRateMap> NetworkMonitor::rates(const SamplingPlan& plan, Date now) const {
+std::optional<MeasuredNetworkRates> NetworkMonitor::rates(const SamplingPlan& plan,
+                                                          Date now) const {
     const std::lock_guard guard(lock_);
     if (!latest_ || now - latest_->first >= plan.networkStaleAfter(backoff_.factor)) {
         return std::nullopt;

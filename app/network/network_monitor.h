@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/foundation/clock.h"
 #include "app/network/network_source.h"
 #include "core/foundation/date.h"
 #include "core/measurement/sampling_plan.h"
@@ -29,14 +30,17 @@ public:
 
     // This system's tool; without it the monitor never runs.
     NetworkMonitor();
-    NetworkMonitor(std::unique_ptr<NetworkSource> source, ToolLimits limits);
+    // clock: dates the end of each run, which is what rates are measured over.
+    NetworkMonitor(std::unique_ptr<NetworkSource> source, ToolLimits limits,
+                   Clock clock = currentDate);
     ~NetworkMonitor(); // waits for a run in progress
     NetworkMonitor(const NetworkMonitor&) = delete;
     NetworkMonitor& operator=(const NetworkMonitor&) = delete;
 
-    // Starts a run in the background when one is due; returns at once.
-    void poke(const SamplingPlan& plan, Date now);
-    std::optional<NetworkRateMap> rates(const SamplingPlan& plan, Date now) const;
+    // Starts a run in the background when one is due, and says whether it
+    // did; returns at once.
+    bool poke(const SamplingPlan& plan, Date now);
+    std::optional<MeasuredNetworkRates> rates(const SamplingPlan& plan, Date now) const;
 
     // The program's own cost: runs that produced a result, and their CPU time.
     int runs() const;
@@ -51,12 +55,13 @@ private:
 
     const std::unique_ptr<NetworkSource> source_;
     const ToolLimits limits_;
+    const Clock clock_;
 
     mutable std::mutex lock_;
     bool running_ = false;
     std::optional<Date> lastStart_;
     std::optional<std::pair<Date, NetworkSample>> previous_;
-    std::optional<std::pair<Date, NetworkRateMap>> latest_;
+    std::optional<std::pair<Date, MeasuredNetworkRates>> latest_;
     NetworkBackoff backoff_;
     int runs_ = 0;
     double totalCPU_ = 0.0;

@@ -24,4 +24,15 @@ NetworkRateMap compute(const NetworkSample& previous, const NetworkSample& curre
     return rates;
 }
 
+std::optional<NetworkRate> rateOf(const MeasuredNetworkRates& rates, const ProcessRecord& process) {
+    const auto found = rates.byPID.find(process.pid);
+    if (found == rates.byPID.end()) {
+        return std::nullopt;
+    }
+    if (process.started != 0.0 && process.started > rates.since) {
+        return NetworkRate{};
+    }
+    return found->second;
+}
+
 } // namespace loadwarden::NetworkRates

@@ -33,5 +33,19 @@ TEST(NetworkRates, NoIntervalGivesNoRates) {
     EXPECT_TRUE(NetworkRates::compute({}, sample, std::nan("")).empty());
 }
 
+TEST(NetworkRates, APidReusedSinceTheFirstReadingInheritsNoTraffic) {
+    // curl (pid 40) downloaded between the readings at 100 s and 106 s and
+    // ended; a new curl started at 107 s under the same pid.
+    const MeasuredNetworkRates rates{.since = 100.0, .byPID = {{40, {.in = 5e6, .out = 1e3}}}};
+    const auto process = [](std::int32_t pid, Date started) {
+        return ProcessRecord{.pid = pid, .name = "curl", .started = started};
+    };
+    EXPECT_EQ(NetworkRates::rateOf(rates, process(40, 99.5)), (NetworkRate{5e6, 1e3}));
+    EXPECT_EQ(NetworkRates::rateOf(rates, process(40, 107.0)), NetworkRate{});
+    EXPECT_EQ(NetworkRates::rateOf(rates, process(40, 0.0)), (NetworkRate{5e6, 1e3}))
+        << "an unknown start time is taken on trust";
+    EXPECT_FALSE(NetworkRates::rateOf(rates, process(41, 99.5))) << "never seen by the tool";
+}
+
 } // namespace
 } // namespace loadwarden

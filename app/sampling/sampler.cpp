@@ -36,7 +36,7 @@ Sampler::Sampler() : Sampler(makePlatformBackend(), systemNetworkSource(), curre
 Sampler::Sampler(std::unique_ptr<SamplerBackend> backend, std::unique_ptr<NetworkSource> network,
                  Clock clock)
     : backend_(std::move(backend)), clock_(std::move(clock)),
-      network_(std::move(network), NetworkMonitor::ToolLimits{}) {}
+      network_(std::move(network), NetworkMonitor::ToolLimits{}, clock_) {}
 
 Sampler::~Sampler() = default;
 
@@ -58,7 +58,7 @@ Snapshot Sampler::tick(const SamplingPlan& plan) {
     Snapshot snapshot{
         .date = now,
         .interval = interval,
-        .processes = liveProcesses(interval, network),
+        .processes = liveProcesses(now, network),
         .system = systemSample(interval, now),
         .hasNetwork = network.has_value(),
     };
@@ -67,10 +67,16 @@ Snapshot Sampler::tick(const SamplingPlan& plan) {
     return snapshot;
 }
 
-std::vector<LiveProcess> Sampler::liveProcesses(Seconds interval,
-                                                const std::optional<NetworkRateMap>& network) {
+std::vector<LiveProcess>
+Sampler::liveProcesses(Date now, const std::optional<MeasuredNetworkRates>& network) {
     const std::uint32_t ownUID = backend_->currentUID();
     auto readings = backend_->processes();
+    // No processes is a failed read: the last good table stays, and the next
+    // rates run over the time since it was read, so they neither drop nor jump.
+    if (readings.empty()) {
+        return {};
+    }
+    const Seconds interval = previousDate_ ? now - *previousDate_ : 0.0;
     std::vector<LiveProcess> live;
     live.reserve(readings.size());
     std::unordered_map<std::int32_t, Previous> current;
@@ -88,16 +94,15 @@ std::vector<LiveProcess> Sampler::liveProcesses(Seconds interval,
             }
         }
         ProcessRates rates = Rates::compute(previous, record, std::nullopt, std::nullopt, elapsed);
-        if (network) {
-            if (const auto traffic = network->find(record.pid); traffic != network->end()) {
-                rates.networkInPerSecond = traffic->second.in;
-                rates.networkOutPerSecond = traffic->second.out;
-            }
+        if (const auto traffic = network ? NetworkRates::rateOf(*network, record) : std::nullopt) {
+            rates.networkInPerSecond = traffic->in;
+            rates.networkOutPerSecond = traffic->out;
         }
         current.insert_or_assign(record.pid, Previous{record, readAt});
         live.push_back(LiveProcess{std::move(record), rates});
     }
     previous_ = std::move(current);
+    previousDate_ = now;
     std::erase_if(fixed_, [this](const auto& entry) { return !previous_.contains(entry.first); });
     return live;
 }
@@ -112,6 +117,7 @@ ProcessRecord Sampler::completed(ProcessReading reading, std::uint32_t ownUID) {
     record.responsiblePID = facts.responsiblePID;
     record.arch = facts.arch;
     record.appID = facts.appID;
+    record.isSystemService = facts.isSystemService;
     return record;
 }
 

@@ -22,8 +22,6 @@ namespace loadwarden {
 // time on its own thread; callers wait on the futures.
 class Sampler {
 public:
-    using Clock = std::function<Date()>;
-
     static constexpr Seconds diskSpaceMaximumAge = 30.0;
 
     // This machine, through its platform backend and network tool.
@@ -56,8 +54,8 @@ private:
     };
 
     Snapshot tick(const SamplingPlan& plan);
-    std::vector<LiveProcess> liveProcesses(Seconds interval,
-                                           const std::optional<NetworkRateMap>& network);
+    std::vector<LiveProcess> liveProcesses(Date now,
+                                           const std::optional<MeasuredNetworkRates>& network);
     ProcessRecord completed(ProcessReading reading, std::uint32_t ownUID);
     const ProcessFacts& factsFor(const ProcessReading& reading);
     const std::string& userName(std::uint32_t uid);
@@ -74,6 +72,7 @@ private:
     };
 
     std::unordered_map<std::int32_t, Previous> previous_;
+    std::optional<Date> previousDate_; // the tick previous_ was read at
     std::vector<CPUTicks> previousTicks_;
     std::optional<ByteCounters> previousDisk_;
     std::optional<ByteCounters> previousIf_;

@@ -15,12 +15,15 @@ AppNames RunningApps::names(const std::vector<LiveProcess>&) {
     AppNames names;
     @autoreleasepool {
         for (NSRunningApplication* app in [[NSWorkspace sharedWorkspace] runningApplications]) {
-            if (app.activationPolicy != NSApplicationActivationPolicyRegular) {
+            // Only regular apps, and only those with a process (others have pid -1).
+            if (app.activationPolicy != NSApplicationActivationPolicyRegular ||
+                app.processIdentifier <= 0) {
                 continue;
             }
-            NSString* name = app.localizedName;
+            // Null for a missing name, and for one UTF-8 cannot carry.
+            const char* name = app.localizedName.UTF8String;
             names.emplace(static_cast<std::int32_t>(app.processIdentifier),
-                          name ? std::string(name.UTF8String) : std::string());
+                          name != nullptr ? std::string(name) : std::string());
         }
     }
     return names;

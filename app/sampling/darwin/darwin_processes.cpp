@@ -4,6 +4,7 @@
 #include "app/sampling/darwin/kernel_settings.h"
 #include "core/measurement/executable_name.h"
 #include "core/measurement/ps_line.h"
+#include "core/text/utf8_repair.h"
 
 #include <cstring>
 #include <dlfcn.h>
@@ -25,16 +26,39 @@ constexpr std::uint32_t kernelSleeping = 3;
 constexpr std::uint32_t kernelStopped = 4;
 constexpr std::uint32_t kernelZombie = 5;
 
+constexpr double psTimeout = 20.0;
+
+// The lines of one complete run of the process-status tool; none when it
+// could not start or was killed part way, which would list only some processes.
+std::vector<PSLine> psLines() {
+    const auto run = Spawn::run("/bin/ps", {"-axo", "pid=,ppid=,uid=,rss=,time=,state=,comm="},
+                                psTimeout, std::nullopt);
+    if (!run || run->stopped) {
+        return {};
+    }
+    return PSLine::parseOutput(repairUTF8(run->output));
+}
+
 std::vector<pid_t> kernelPids() {
     const int estimate = proc_listallpids(nullptr, 0);
     if (estimate <= 0) {
         return {};
     }
-    // Room for processes started between the two calls.
+    // Room for processes started between the calls; a full buffer may have cut
+    // the list short, so it is asked again with twice the room.
     std::vector<pid_t> pids(static_cast<std::size_t>(estimate) + 64);
-    const int count = proc_listallpids(pids.data(), static_cast<int>(pids.size() * sizeof(pid_t)));
-    pids.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    return pids;
+    while (true) {
+        const int count =
+            proc_listallpids(pids.data(), static_cast<int>(pids.size() * sizeof(pid_t)));
+        if (count <= 0) {
+            return {};
+        }
+        if (static_cast<std::size_t>(count) < pids.size()) {
+            pids.resize(static_cast<std::size_t>(count));
+            return pids;
+        }
+        pids.resize(pids.size() * 2);
+    }
 }
 
 std::optional<proc_bsdinfo> bsdInfo(pid_t pid) {
@@ -95,8 +119,12 @@ DarwinProcesses::DarwinProcesses()
 }
 
 std::vector<ProcessReading> DarwinProcesses::read() const {
-    const auto lines = PSLine::parseOutput(
-        Spawn::text("/bin/ps", {"-axo", "pid=,ppid=,uid=,rss=,time=,state=,comm="}));
+    // The kernel tells little about other users' processes: without the tool's
+    // list they would drop out for a tick, so the tick has no processes at all.
+    const auto lines = psLines();
+    if (lines.empty()) {
+        return {};
+    }
     const auto pids = kernelPids();
     const std::unordered_set<pid_t> alive(pids.begin(), pids.end());
     std::unordered_set<pid_t> listed;
@@ -138,14 +166,15 @@ void DarwinProcesses::addKernelFigures(ProcessReading& reading) const {
         record.diskReadBytes = usage.ri_diskio_bytesread;
         record.diskWrittenBytes = usage.ri_diskio_byteswritten;
         record.energyNJ = usage.ri_energy_nj;
-        // The footprint is the figure the system's own tools show; the
-        // resident size counts shared memory again in every process.
-        record.memoryBytes = usage.ri_phys_footprint;
     }
+    // Memory is the resident size for every process, the figure ps gives for
+    // all of them; the footprint would be readable for the user's own
+    // processes only, and a group must not add two measures.
     proc_taskinfo task{};
     if (proc_pidinfo(record.pid, PROC_PIDTASKINFO, 0, &task, sizeof task) ==
         static_cast<int>(sizeof task)) {
         record.threads = task.pti_threadnum;
+        record.memoryBytes = task.pti_resident_size;
     }
 }
 

@@ -13,6 +13,7 @@ class DarwinProcesses {
 public:
     DarwinProcesses();
 
+    // Every process, or none when the tool's run failed.
     std::vector<ProcessReading> read() const;
     ProcessFacts facts(const ProcessReading& process) const;
 

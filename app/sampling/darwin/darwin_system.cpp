@@ -97,6 +97,10 @@ DarwinSystem::DarwinSystem()
       performanceCores_(static_cast<int>(KernelSettings::integer("hw.perflevel0.logicalcpu"))),
       efficiencyCores_(static_cast<int>(KernelSettings::integer("hw.perflevel1.logicalcpu"))) {}
 
+DarwinSystem::~DarwinSystem() {
+    mach_port_deallocate(mach_task_self(), host_);
+}
+
 ProcessorReading DarwinSystem::processors() const {
     ProcessorReading reading;
     natural_t count = 0;

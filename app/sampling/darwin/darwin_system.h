@@ -11,6 +11,9 @@ namespace loadwarden {
 class DarwinSystem {
 public:
     DarwinSystem();
+    ~DarwinSystem();
+    DarwinSystem(const DarwinSystem&) = delete;
+    DarwinSystem& operator=(const DarwinSystem&) = delete;
 
     ProcessorReading processors() const;
     MemoryStats memory() const;
@@ -24,7 +27,7 @@ public:
     std::optional<DiskSpace> diskSpace() const;
 
 private:
-    host_t host_;
+    host_t host_;          // a send right of ours, given back on destruction
     int performanceCores_; // logical cores per performance level; 0 on Intel
     int efficiencyCores_;
 };

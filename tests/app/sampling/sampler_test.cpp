@@ -117,6 +117,17 @@ TEST_F(SamplerTest, FirstTickHasNoRatesThenRatesComeOverTheRealElapsedTime) {
     EXPECT_EQ(second.system.coreUsage, (std::vector<double>{1.0, 0.5}));
 }
 
+TEST_F(SamplerTest, AFailedProcessReadKeepsTheLastTableForTheNextRates) {
+    machine->table = {process(10, "worker", 500.0, 0)};
+    tickAt(1000.0);
+    machine->table.clear(); // the process table could not be read
+    EXPECT_TRUE(tickAt(1002.0).processes.empty());
+    machine->table = {process(10, "worker", 500.0, 4'000'000'000)};
+    const auto back = find(tickAt(1004.0), 10);
+    EXPECT_DOUBLE_EQ(back.rates.cpuPercent, 100.0); // 4 s of CPU over 4 s, not 2
+    EXPECT_EQ(machine->factReads, 1);
+}
+
 TEST_F(SamplerTest, ProcessesReadLateInATickAreMeasuredOverTheirOwnSpan) {
     machine->table = {process(10, "worker", 500.0, 0), process(11, "late", 500.0, 0)};
     machine->table[0].readAt = 50.0;

@@ -34,13 +34,14 @@ struct FigureColumn {
     std::size_t width;
 };
 
-// CPU, memory, energy, disk, network: the table's order.
-constexpr std::array<FigureColumn, 5> figureColumns{{
+// CPU, memory, energy, disk, network, graphics: the table's order.
+constexpr std::array<FigureColumn, 6> figureColumns{{
     {"CPU", 6},
     {"MEMORY", 9},
     {"ENERGY", 7},
     {"DISK", 11},
     {"NETWORK", 11},
+    {"GPU", 6},
 }};
 
 using Figures = std::array<Figure, figureColumns.size()>;
@@ -57,7 +58,8 @@ Figure rate(std::optional<double> bytesPerSecond, Heat::Metric metric) {
 }
 
 Figures figures(double cpu, std::uint64_t memory, std::optional<double> energy,
-                std::optional<double> disk, std::optional<double> network) {
+                std::optional<double> disk, std::optional<double> network,
+                std::optional<double> gpu) {
     return {{
         {formatPercent(cpu), Heat::level(cpu, Heat::Metric::cpu)},
         {formatBytes(memory), Heat::level(static_cast<double>(memory), Heat::Metric::memory)},
@@ -65,17 +67,19 @@ Figures figures(double cpu, std::uint64_t memory, std::optional<double> energy,
          Heat::level(energy, Heat::Metric::energy)},
         rate(disk, Heat::Metric::disk),
         rate(network, Heat::Metric::network),
+        {gpu ? formatPercent(*gpu) : std::string(dash), Heat::level(gpu, Heat::Metric::gpu)},
     }};
 }
 
 Figures groupFigures(const ProcessGroup& group) {
     return figures(group.totalCPU(), group.totalMemory(), group.totalEnergy(), group.totalDisk(),
-                   group.totalNetwork());
+                   group.totalNetwork(), group.totalGPU());
 }
 
 Figures memberFigures(const LiveProcess& member) {
     return figures(member.rates.cpuPercent, member.record.memoryBytes, member.rates.energyWatts,
-                   member.rates.diskBytesPerSecond, networkTotal(member.rates));
+                   member.rates.diskBytesPerSecond, networkTotal(member.rates),
+                   member.rates.gpuPercent);
 }
 
 std::optional<double> total(const ProcessGroup& group, Heat::Metric metric) {
@@ -90,6 +94,8 @@ std::optional<double> total(const ProcessGroup& group, Heat::Metric metric) {
         return group.totalNetwork();
     case Heat::Metric::energy:
         return group.totalEnergy();
+    case Heat::Metric::gpu:
+        return group.totalGPU();
     }
     return std::nullopt;
 }
@@ -205,6 +211,7 @@ void printAppsJSON(const std::vector<AppsRow>& rows, std::ostream& out) {
         j["totalEnergy"] = group.totalEnergy();
         j["totalDisk"] = group.totalDisk();
         j["totalNetwork"] = group.totalNetwork();
+        j["totalGPU"] = group.totalGPU();
         nlohmann::json heat;
         for (const Heat::Metric metric : allCases<Heat::Metric>()) {
             heat[std::string(rawValue(metric))] = Heat::level(total(group, metric), metric);

@@ -21,8 +21,8 @@ struct Column {
     bool rightAligned;
 };
 
-// PID, NAME, USER, CPU, MEMORY, DISK, NETWORK, THREADS, STATE.
-constexpr std::array<Column, 9> columns{{
+// PID, NAME, USER, CPU, MEMORY, DISK, NETWORK, GPU, THREADS, STATE.
+constexpr std::array<Column, 10> columns{{
     {"PID", 7, true},
     {"NAME", 28, false},
     {"USER", 12, false},
@@ -30,6 +30,7 @@ constexpr std::array<Column, 9> columns{{
     {"MEMORY", 9, true},
     {"DISK", 11, true},
     {"NETWORK", 11, true},
+    {"GPU", 6, true},
     {"THREADS", 7, true},
     {"STATE", 8, false},
 }};
@@ -91,6 +92,8 @@ void printProcessTable(const Snapshot& snapshot, std::ostream& out) {
         printRow({std::to_string(record.pid), record.name, record.user,
                   formatPercent(process->rates.cpuPercent), formatBytes(record.memoryBytes),
                   optionalRate(process->rates.diskBytesPerSecond), networkCell(process->rates),
+                  process->rates.gpuPercent ? formatPercent(*process->rates.gpuPercent)
+                                            : std::string(dash),
                   record.threads ? std::to_string(*record.threads) : std::string(dash),
                   std::string(rawValue(record.state))},
                  out);

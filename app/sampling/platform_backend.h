@@ -7,13 +7,17 @@
 
 namespace loadwarden {
 
-// The backend of one platform: its process reader and its system reader behind
-// the sampler's interface. Users are looked up the same way everywhere.
-template <typename Processes, typename System>
+// The backend of one platform: its process, system and graphics readers
+// behind the sampler's interface. Users are looked up the same way everywhere.
+template <typename Processes, typename System, typename Graphics>
 class PlatformBackend final : public SamplerBackend {
 public:
     std::uint32_t currentUID() override { return getuid(); }
-    std::vector<ProcessReading> processes() override { return processes_.read(); }
+    std::vector<ProcessReading> processes() override {
+        auto readings = processes_.read();
+        graphics_.measure(readings);
+        return readings;
+    }
     ProcessFacts facts(const ProcessReading& process) override { return processes_.facts(process); }
     std::optional<std::string> userName(std::uint32_t uid) override {
         return passwordDatabaseName(uid);
@@ -21,7 +25,7 @@ public:
 
     ProcessorReading processors() override { return system_.processors(); }
     MemoryStats memory() override { return system_.memory(); }
-    std::optional<double> gpu() override { return system_.gpu(); }
+    std::optional<double> gpu() override { return graphics_.busy(); }
     std::optional<ByteCounters> diskCounters() override { return system_.diskCounters(); }
     std::optional<ByteCounters> interfaceCounters() override { return system_.interfaceCounters(); }
     std::optional<BatteryInfo> battery() override { return system_.battery(); }
@@ -33,6 +37,7 @@ public:
 private:
     Processes processes_;
     System system_;
+    Graphics graphics_;
 };
 
 } // namespace loadwarden

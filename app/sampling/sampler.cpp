@@ -83,6 +83,7 @@ Sampler::liveProcesses(Date now, const std::optional<MeasuredNetworkRates>& netw
     current.reserve(readings.size());
     for (auto& reading : readings) {
         const auto readAt = reading.readAt;
+        const auto gpuPercent = reading.gpuPercent;
         ProcessRecord record = completed(std::move(reading), ownUID);
         const auto before = previous_.find(record.pid);
         std::optional<ProcessRecord> previous;
@@ -94,6 +95,7 @@ Sampler::liveProcesses(Date now, const std::optional<MeasuredNetworkRates>& netw
             }
         }
         ProcessRates rates = Rates::compute(previous, record, std::nullopt, std::nullopt, elapsed);
+        rates.gpuPercent = gpuPercent;
         if (const auto traffic = network ? NetworkRates::rateOf(*network, record) : std::nullopt) {
             rates.networkInPerSecond = traffic->in;
             rates.networkOutPerSecond = traffic->out;

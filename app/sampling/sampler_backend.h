@@ -1,7 +1,7 @@
 #pragma once
 
 // What the sampler asks of the operating system. One implementation per
-// platform (app/linux, app/darwin), chosen at build time; the sampler's own
+// platform (app/sampling/linux, app/sampling/darwin), chosen at build time; the sampler's own
 // logic never knows which one it talks to.
 
 #include "core/foundation/date.h"
@@ -32,6 +32,9 @@ struct ProcessReading {
     // can be delayed part way; rates then use the time between the two
     // readings of each process rather than between the two ticks.
     std::optional<Seconds> readAt;
+    // Percent of one graphics processor the process kept busy, where the
+    // system tells; a rate already, like the other figures of ProcessRates.
+    std::optional<double> gpuPercent;
 };
 
 // Facts that hold for a process's whole life, read once.

@@ -18,6 +18,7 @@ const Thresholds& thresholds(Heat::Metric metric) {
     static constexpr Thresholds disk{100e3, 1e6, 10e6, 50e6};     // bytes per second
     static constexpr Thresholds network{10e3, 100e3, 1e6, 10e6};  // bytes per second
     static constexpr Thresholds energy{0.5, 2, 5, 10};            // watts
+    static constexpr Thresholds gpu{5, 25, 60, 100}; // percent of one graphics processor
     switch (metric) {
     case Heat::Metric::cpu:
         return cpu;
@@ -29,6 +30,8 @@ const Thresholds& thresholds(Heat::Metric metric) {
         return network;
     case Heat::Metric::energy:
         return energy;
+    case Heat::Metric::gpu:
+        return gpu;
     }
     programmingError("unknown heat metric");
 }

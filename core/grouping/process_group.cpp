@@ -49,6 +49,10 @@ std::optional<double> ProcessGroup::totalNetwork() const {
     return optionalSum(members, networkTotal);
 }
 
+std::optional<double> ProcessGroup::totalGPU() const {
+    return optionalSum(members, [](const ProcessRates& rates) { return rates.gpuPercent; });
+}
+
 bool ProcessGroup::isPaused() const {
     bool anyOwn = false;
     for (const auto& member : members) {

@@ -36,6 +36,7 @@ struct ProcessGroup {
     std::optional<double> totalEnergy() const;
     std::optional<double> totalDisk() const;
     std::optional<double> totalNetwork() const;
+    std::optional<double> totalGPU() const;
 
     // Every one of the user's own members is stopped, and there is at least one.
     bool isPaused() const;

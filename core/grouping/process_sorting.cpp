@@ -37,6 +37,9 @@ SortKey memberKey(const LiveProcess& member, ProcessColumn column) {
     case ProcessColumn::network:
         key.figure = orBelowZero(networkTotal(rates));
         break;
+    case ProcessColumn::gpu:
+        key.figure = orBelowZero(rates.gpuPercent);
+        break;
     case ProcessColumn::name:
     case ProcessColumn::memory:
         break;
@@ -61,6 +64,9 @@ SortKey groupKey(const ProcessGroup& group, ProcessColumn column) {
         break;
     case ProcessColumn::network:
         key.figure = orBelowZero(group.totalNetwork());
+        break;
+    case ProcessColumn::gpu:
+        key.figure = orBelowZero(group.totalGPU());
         break;
     case ProcessColumn::name:
         break;

@@ -30,10 +30,10 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SystemSample, coreUsage, coreKin
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ProcessRecord, pid, ppid, responsiblePID, uid, user,
                                                 name, path, started, isOwn, cpuTimeNs, memoryBytes,
                                                 diskReadBytes, diskWrittenBytes, energyNJ, threads,
-                                                state, arch, appID)
+                                                state, arch, appID, isSystemService)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ProcessRates, cpuPercent, diskBytesPerSecond,
                                                 energyWatts, networkInPerSecond,
-                                                networkOutPerSecond)
+                                                networkOutPerSecond, gpuPercent)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(LiveProcess, record, rates)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NetworkBytes, pid, name, bytesIn, bytesOut)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SamplingPlan, windowVisible, networkShown, interval)

@@ -81,11 +81,14 @@ struct ProcessRates {
     std::optional<double> energyWatts;
     std::optional<double> networkInPerSecond;
     std::optional<double> networkOutPerSecond;
+    // Percent of one graphics processor, 100 = one kept busy; absent where
+    // the system does not tell.
+    std::optional<double> gpuPercent;
 
     bool operator==(const ProcessRates&) const = default;
     auto fields() const {
         return std::tie(cpuPercent, diskBytesPerSecond, energyWatts, networkInPerSecond,
-                        networkOutPerSecond);
+                        networkOutPerSecond, gpuPercent);
     }
 };
 

@@ -28,8 +28,8 @@ TEST(AppsOptions, ColumnOrderSearchAndItsOwnLongestInterval) {
     EXPECT_EQ(given.interval, 0.25);
 
     const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{"--sort"}, "--sort needs a column: name, cpu, memory, energy, disk or network"},
-        {{"--sort", "CPU"}, "--sort takes name, cpu, memory, energy, disk or network, not 'CPU'"},
+        {{"--sort"}, "--sort needs a column: name, cpu, memory, energy, disk, network or gpu"},
+        {{"--sort", "CPU"}, "--sort takes name, cpu, memory, energy, disk, network or gpu, not 'CPU'"},
         {{"--search"}, "--search needs the text to look for"},
         {{"--interval", "61"}, "--interval takes seconds above 0 and up to 60, not '61'"},
     };

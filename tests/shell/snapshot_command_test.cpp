@@ -23,6 +23,7 @@ TEST(SnapshotReport, BusiestFirstWithDashesForWhatIsUnknown) {
                           live(20, "some", 12.5, 2'000'000)};
     snapshot.processes[2].rates.diskBytesPerSecond = 2'500'000;
     snapshot.processes[2].record.threads = 4;
+    snapshot.processes[1].rates.gpuPercent = 87.0;
     snapshot.system.coreUsage = {0.5, 1.0};
     snapshot.system.coreKinds = {CoreKind::efficiency, CoreKind::performance};
     std::ostringstream out;
@@ -39,7 +40,9 @@ TEST(SnapshotReport, BusiestFirstWithDashesForWhatIsUnknown) {
     const std::string line = report.substr(lineStart, report.find('\n', some) - lineStart);
     EXPECT_NE(line.find("13%"), std::string::npos) << line;
     EXPECT_NE(line.find("2 MB"), std::string::npos) << line;
-    EXPECT_NE(line.find("2.5 MB/s            -        4  sleeping"), std::string::npos) << line;
+    EXPECT_NE(line.find("2.5 MB/s            -       -        4  sleeping"), std::string::npos)
+        << line;
+    EXPECT_NE(report.find("87%"), std::string::npos) << "the busy one's graphics share";
     EXPECT_NE(report.find("CPU         75% of 2 cores (performance 100%, efficiency 50%)"),
               std::string::npos)
         << report;

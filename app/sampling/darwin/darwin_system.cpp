@@ -150,18 +150,6 @@ MemoryStats DarwinSystem::memory() const {
     });
 }
 
-std::optional<double> DarwinSystem::gpu() const {
-    std::optional<double> busiest;
-    Registry::forEachService("IOAccelerator", [&busiest](io_object_t service) {
-        const auto statistics = Registry::property(service, CFSTR("PerformanceStatistics"));
-        if (const auto percent = Registry::number(
-                Registry::value(statistics.get(), CFSTR("Device Utilization %")))) {
-            busiest = std::max(busiest.value_or(0.0), *percent / 100.0);
-        }
-    });
-    return busiest;
-}
-
 std::optional<ByteCounters> DarwinSystem::diskCounters() const {
     ByteCounters total;
     const bool read =

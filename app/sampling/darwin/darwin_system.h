@@ -17,7 +17,6 @@ public:
 
     ProcessorReading processors() const;
     MemoryStats memory() const;
-    std::optional<double> gpu() const;
     std::optional<ByteCounters> diskCounters() const;
     std::optional<ByteCounters> interfaceCounters() const;
     std::optional<BatteryInfo> battery() const;

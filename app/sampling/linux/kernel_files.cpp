@@ -110,6 +110,18 @@ std::vector<std::string> KernelFiles::entries(const std::string& directory) {
     return names;
 }
 
+std::vector<std::string> KernelFiles::entriesStartingWith(const std::string& directory,
+                                                          const std::string& prefix) {
+    std::vector<std::string> paths;
+    forEachEntry(directory, [&](std::string_view name) {
+        if (name.starts_with(prefix)) {
+            paths.push_back(directory + "/" + std::string(name));
+        }
+    });
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
 std::vector<int> KernelFiles::processIDs() {
     std::vector<int> pids;
     forEachEntry("/proc", [&pids](std::string_view name) {

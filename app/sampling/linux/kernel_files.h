@@ -29,6 +29,10 @@ std::optional<std::uint32_t> owner(const std::string& path);
 // The names in a directory, without "." and "..".
 std::vector<std::string> entries(const std::string& directory);
 
+// The paths of a directory's entries whose names start with a prefix, sorted.
+std::vector<std::string> entriesStartingWith(const std::string& directory,
+                                             const std::string& prefix);
+
 // The numeric names in /proc: the pids.
 std::vector<int> processIDs();
 

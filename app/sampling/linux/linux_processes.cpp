@@ -31,12 +31,6 @@ Date bootDate() {
            (static_cast<double>(sinceBoot.tv_sec) + static_cast<double>(sinceBoot.tv_nsec) / 1e9);
 }
 
-Seconds monotonicSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
-
 Date roundedToMicroseconds(Date date) {
     return std::round(date * 1e6) / 1e6;
 }

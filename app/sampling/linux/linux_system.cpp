@@ -16,23 +16,6 @@ namespace {
 
 constexpr std::uint64_t sectorBytes = 512;
 
-bool hasPrefix(std::string_view text, std::string_view prefix) {
-    return text.substr(0, prefix.size()) == prefix;
-}
-
-// Entries of a /sys directory whose names start with a prefix, with it, in order.
-std::vector<std::string> entriesStartingWith(const std::string& directory,
-                                             std::string_view prefix) {
-    std::vector<std::string> names;
-    for (auto& name : KernelFiles::entries(directory)) {
-        if (hasPrefix(name, prefix)) {
-            names.push_back(directory + "/" + name);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 std::optional<std::vector<int>> cpuList(const std::string& path) {
     const auto text = KernelFiles::text(path);
     return text ? parseCPUList(*text) : std::nullopt;
@@ -48,7 +31,8 @@ CoreTopology readTopology() {
     }
     std::map<int, int> capacities;
     for (const auto& cpu : KernelFiles::entries("/sys/devices/system/cpu")) {
-        const auto number = hasPrefix(cpu, "cpu") ? parseInteger<int>(cpu.substr(3)) : std::nullopt;
+        const auto number =
+            cpu.starts_with("cpu") ? parseInteger<int>(cpu.substr(3)) : std::nullopt;
         const auto capacity =
             number ? KernelFiles::text("/sys/devices/system/cpu/" + cpu + "/cpu_capacity")
                    : std::nullopt;
@@ -80,7 +64,8 @@ std::uint64_t physicalMemorySize() {
 } // namespace
 
 LinuxSystem::LinuxSystem() : topology_(readTopology()), physicalMemory_(physicalMemorySize()) {
-    for (const auto& zone : entriesStartingWith("/sys/class/thermal", "thermal_zone")) {
+    for (const auto& zone :
+         KernelFiles::entriesStartingWith("/sys/class/thermal", "thermal_zone")) {
         Zone read{.temperaturePath = zone + "/temp"};
         for (int trip = 0;; ++trip) {
             const auto prefix = zone + "/trip_point_" + std::to_string(trip);
@@ -94,7 +79,7 @@ LinuxSystem::LinuxSystem() : topology_(readTopology()), physicalMemory_(physical
         }
         zones_.push_back(std::move(read));
     }
-    for (const auto& cpu : entriesStartingWith("/sys/devices/system/cpu", "cpu")) {
+    for (const auto& cpu : KernelFiles::entriesStartingWith("/sys/devices/system/cpu", "cpu")) {
         for (const char* counter : {"/thermal_throttle/core_throttle_count",
                                     "/thermal_throttle/package_throttle_count"}) {
             if (KernelFiles::text(cpu + counter)) {
@@ -102,12 +87,7 @@ LinuxSystem::LinuxSystem() : topology_(readTopology()), physicalMemory_(physical
             }
         }
     }
-    for (const auto& card : entriesStartingWith("/sys/class/drm", "card")) {
-        if (KernelFiles::text(card + "/device/gpu_busy_percent")) {
-            gpuBusyFiles_.push_back(card + "/device/gpu_busy_percent");
-        }
-    }
-    for (const auto& zram : entriesStartingWith("/sys/block", "zram")) {
+    for (const auto& zram : KernelFiles::entriesStartingWith("/sys/block", "zram")) {
         zramStats_.push_back(zram + "/mm_stat");
     }
 }
@@ -141,17 +121,6 @@ MemoryStats LinuxSystem::memory() {
                            : std::nullopt;
     // Whatever the reading, the machine still has its memory.
     return stats.value_or(MemoryStats{.total = physicalMemory_, .pressure = pressure_});
-}
-
-std::optional<double> LinuxSystem::gpu() const {
-    std::optional<double> busiest;
-    for (const auto& file : gpuBusyFiles_) {
-        const auto percent = parseInteger<int>(trimmedText(file).value_or(""));
-        if (percent) {
-            busiest = std::max(busiest.value_or(0.0), *percent / 100.0);
-        }
-    }
-    return busiest;
 }
 
 bool LinuxSystem::isPhysicalDisk(const std::string& name) {
@@ -204,7 +173,7 @@ std::optional<ByteCounters> LinuxSystem::interfaceCounters() {
 std::optional<BatteryInfo> LinuxSystem::battery() const {
     std::vector<PowerSupply> batteries;
     std::optional<bool> mainsOnline;
-    for (const auto& entry : entriesStartingWith("/sys/class/power_supply", "")) {
+    for (const auto& entry : KernelFiles::entriesStartingWith("/sys/class/power_supply", "")) {
         const auto supply =
             parsePowerSupplyUevent(KernelFiles::text(entry + "/uevent").value_or(""));
         if (isSystemBattery(supply)) {

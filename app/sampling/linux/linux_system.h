@@ -19,7 +19,6 @@ public:
 
     ProcessorReading processors();
     MemoryStats memory();
-    std::optional<double> gpu() const;
     std::optional<ByteCounters> diskCounters();
     std::optional<ByteCounters> interfaceCounters();
     std::optional<BatteryInfo> battery() const;
@@ -41,7 +40,6 @@ private:
     CoreTopology topology_;
     std::vector<Zone> zones_;
     std::vector<std::string> throttleCounters_;
-    std::vector<std::string> gpuBusyFiles_;
     std::vector<std::string> zramStats_;
     std::optional<std::uint64_t> lastThrottleCount_;
     MemoryPressure pressure_ = MemoryPressure::normal;

@@ -114,7 +114,8 @@ std::optional<DesktopEntry> DesktopEntries::parse(std::string_view text, std::st
             noDisplay = value == "true";
         } else if (key == "Hidden") {
             hidden = value == "true";
-        } else if (key.starts_with("Name")) {
+        } else if (key.starts_with("Name") && !value.empty()) {
+            // An empty translation leaves the name to a broader one.
             for (std::size_t rank = 0; rank < bestName; ++rank) {
                 if (key == wanted[rank]) {
                     bestName = rank;
@@ -124,7 +125,7 @@ std::optional<DesktopEntry> DesktopEntries::parse(std::string_view text, std::st
             }
         }
     });
-    if (!name || name->empty() || hidden) {
+    if (!name || hidden) {
         return std::nullopt;
     }
     return DesktopEntry{.name = *name, .isApplication = type == "Application" && !noDisplay};

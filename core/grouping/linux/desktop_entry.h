@@ -25,7 +25,8 @@ namespace DesktopEntries {
 
 // The [Desktop Entry] group of a file's text. Absent when the text has no
 // such group or no name, or when the entry is Hidden (deleted by the user).
-// `locale` is the messages locale, such as "de_DE.UTF-8@euro".
+// `locale` is the messages locale, such as "de_DE.UTF-8@euro"; an empty
+// translation counts as none.
 std::optional<DesktopEntry> parse(std::string_view text, std::string_view locale);
 
 // The id of the entry at `relativePath` under an applications folder:

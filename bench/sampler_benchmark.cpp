@@ -1,11 +1,16 @@
 // The processor time of one full sampler tick, on the machine as it is and
 // with 1,000 extra sleeping processes, beside one run of ps listing the same
-// processes. Figures are per iteration: cpu_ms is processor time (all of this
-// program's threads for a tick, the child's own for ps), cpu_us_per_process
-// the same divided by the processes seen.
+// processes, and on Linux the graphics part of a tick alone. Figures are per
+// iteration: cpu_ms is processor time (all of this program's threads for a
+// tick, the child's own for ps), cpu_us_per_process the same divided by the
+// processes seen.
 
 #include "app/runner/spawn.h"
 #include "app/sampling/sampler.h"
+#ifdef __linux__
+#include "app/sampling/linux/linux_graphics.h"
+#include "app/sampling/linux/linux_processes.h"
+#endif
 
 #include <benchmark/benchmark.h>
 #include <csignal>
@@ -104,6 +109,27 @@ void BM_PsRun(benchmark::State& state) {
     }
     report(state, cpuSeconds, processes);
 }
+
+#ifdef __linux__
+// What reading the graphics processors adds to a tick: the management
+// library where it is installed, and the DRM clients of the processes that
+// hold a graphics device.
+void BM_GraphicsMeasure(benchmark::State& state) {
+    const SleepingProcesses extra(state.range(0));
+    LinuxProcesses reader;
+    std::vector<ProcessReading> readings = reader.read();
+    LinuxGraphics graphics;
+    graphics.measure(readings); // the first pass looks for graphics devices once per process
+    double cpuSeconds = 0.0;
+    for (auto _ : state) {
+        const double before = ownCPUSeconds();
+        graphics.measure(readings);
+        cpuSeconds += ownCPUSeconds() - before;
+    }
+    report(state, cpuSeconds, readings.size());
+}
+BENCHMARK(BM_GraphicsMeasure)->Arg(0)->Arg(1000)->Unit(benchmark::kMicrosecond)->UseRealTime();
+#endif
 
 BENCHMARK(BM_SamplerTick)->Arg(0)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(BM_PsRun)->Arg(0)->Arg(1000)->Unit(benchmark::kMillisecond)->UseRealTime();

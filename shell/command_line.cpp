@@ -40,6 +40,29 @@ OptionParser& OptionParser::seconds(std::string name, Seconds& target, Seconds l
                   });
 }
 
+OptionParser& OptionParser::duration(std::string name, std::optional<Seconds>& target) {
+    return valued(
+        std::move(name), "a duration",
+        [&target](const std::string& value) -> std::optional<std::string> {
+            constexpr std::pair<char, double> units[] = {{'s', 1.0}, {'m', 60.0}, {'h', 3600.0}};
+            std::string_view number = value;
+            double unit = 1.0;
+            for (const auto& [suffix, seconds] : units) {
+                if (!number.empty() && number.back() == suffix) {
+                    number.remove_suffix(1);
+                    unit = seconds;
+                    break;
+                }
+            }
+            const auto amount = parseDecimal(number);
+            if (!amount || !(*amount > 0.0) || !std::isfinite(*amount * unit)) {
+                return "takes a duration such as 90, 90s, 5m or 1.5h";
+            }
+            target = *amount * unit;
+            return std::nullopt;
+        });
+}
+
 OptionParser& OptionParser::count(std::string name, int& target) {
     return valued(std::move(name), "a number",
                   [&target](const std::string& value) -> std::optional<std::string> {
@@ -59,14 +82,26 @@ OptionParser& OptionParser::text(std::string name, std::string& target, std::str
     });
 }
 
+OptionParser& OptionParser::positional(std::string& target, std::string what) {
+    positionals_.push_back({&target, std::move(what)});
+    return *this;
+}
+
 OptionParser& OptionParser::valued(std::string name, std::string missingValue, Apply apply) {
     options_.push_back({std::move(name), "needs " + std::move(missingValue), std::move(apply)});
     return *this;
 }
 
 std::optional<std::string> OptionParser::parse(const std::vector<std::string>& arguments) const {
+    std::size_t filled = 0;
+    bool help = false;
     for (std::size_t next = 0; next < arguments.size();) {
         std::string name = arguments[next++];
+        help = help || name == "--help" || name == "-h";
+        if (name.rfind('-', 0) != 0 && filled < positionals_.size()) {
+            *positionals_[filled++].target = name;
+            continue;
+        }
         std::optional<std::string> attached;
         if (const std::size_t equals = name.find('=');
             name.rfind("--", 0) == 0 && equals != std::string::npos) {
@@ -93,6 +128,9 @@ std::optional<std::string> OptionParser::parse(const std::vector<std::string>& a
         if (const auto problem = option->apply(value)) {
             return name + " " + *problem + ", not '" + value + "'";
         }
+    }
+    if (filled < positionals_.size() && !help) {
+        return "needs " + positionals_[filled].what;
     }
     return std::nullopt;
 }

@@ -11,6 +11,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -19,6 +20,7 @@ namespace loadwarden {
 constexpr int exitSuccess = 0;
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
+constexpr int exitRefused = 3; // the policy does not allow the action
 
 class OptionParser {
 public:
@@ -27,10 +29,15 @@ public:
     OptionParser& flag(std::string name, bool& target);
     // Seconds above 0 and up to `longest`, such as "2" or "0.5".
     OptionParser& seconds(std::string name, Seconds& target, Seconds longest);
+    // A span such as "90", "90s", "5m" or "1.5h", above 0.
+    OptionParser& duration(std::string name, std::optional<Seconds>& target);
     // A whole number of at least 1.
     OptionParser& count(std::string name, int& target);
     // Free text; `what` completes "--name needs …".
     OptionParser& text(std::string name, std::string& target, std::string what);
+    // The next argument that is not an option, required; `what` completes
+    // "needs …". Positionals are filled in the order they are declared.
+    OptionParser& positional(std::string& target, std::string what);
 
     // One of an enumeration's raw values; `what` completes "--name needs …: a, b or c".
     template <HasRawValues Enum>
@@ -78,11 +85,18 @@ private:
 
     OptionParser& valued(std::string name, std::string missingValue, Apply apply);
 
+    struct Positional {
+        std::string* target;
+        std::string what;
+    };
+
     std::vector<Option> options_;
+    std::vector<Positional> positionals_;
 };
 
 // Runs one command on its parsed options: reports a bad command line on
-// `err` with the usage, answers --help, and otherwise calls run(options).
+// `err` with the usage, answers --help, and otherwise calls run(options),
+// whose exit status it returns where run gives one.
 template <typename Options, typename Run>
 int runCommand(std::string_view command, std::string_view usage,
                const std::variant<Options, std::string>& parsed, std::ostream& out,
@@ -96,8 +110,12 @@ int runCommand(std::string_view command, std::string_view usage,
         out << usage;
         return exitSuccess;
     }
-    run(options);
-    return out ? exitSuccess : exitFailure;
+    if constexpr (std::is_same_v<decltype(run(options)), int>) {
+        return run(options);
+    } else {
+        run(options);
+        return out ? exitSuccess : exitFailure;
+    }
 }
 
 } // namespace loadwarden

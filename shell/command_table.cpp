@@ -1,16 +1,33 @@
 #include "shell/command_line.h"
 #include "shell/commands.h"
+#include "shell/control_options.h"
 
 #include <algorithm>
 #include <ostream>
 
 namespace loadwarden {
 
+namespace {
+
+template <ControlVerb verb>
+int control(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+    return runControlCommand(verb, arguments, out, err);
+}
+
+} // namespace
+
 const std::vector<Command>& commands() {
     static const std::vector<Command> table{
         {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
         {"why", "what is slowing things down, worst first, with fixes", runWhyCommand},
         {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
+        {"quit", "ask an app to quit, so it can save first", control<ControlVerb::quit>},
+        {"end", "ask a process to stop, so it can clean up first", control<ControlVerb::end>},
+        {"force-quit", "stop an app or process at once", control<ControlVerb::forceQuit>},
+        {"pause", "stop an app using the processor while this runs", control<ControlVerb::pause>},
+        {"resume", "let a paused app run again", control<ControlVerb::resume>},
+        {"limit", "hold an app near a share of one core while this runs",
+         control<ControlVerb::limit>},
     };
     return table;
 }

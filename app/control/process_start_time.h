@@ -1,0 +1,17 @@
+#pragma once
+
+#include "core/foundation/date.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace loadwarden {
+
+// When a process started, exactly as the kernel keeps it, so that two reads
+// of the same process compare equal and a reused pid never does. Nothing when
+// the process is gone. macOS: seconds since 1970 with the microseconds of the
+// kernel's BSD information. Linux: seconds since boot from the kernel's tick
+// count, which no change of the wall clock can move.
+std::optional<Date> processStartTime(std::int32_t pid);
+
+} // namespace loadwarden

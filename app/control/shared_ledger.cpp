@@ -1,0 +1,77 @@
+#include "app/control/shared_ledger.h"
+
+#include "app/control/file_lock.h"
+#include "app/control/process_start_time.h"
+#include "core/control/signals.h"
+
+#include <unistd.h>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr char ledgerKey[] = "pausedLedger";
+
+PausedLedger storedLedger(const DefaultsStore& store) {
+    return PausedLedger::decoded(store.read(ledgerKey).value_or(""));
+}
+
+} // namespace
+
+SharedLedger::SharedLedger(DefaultsStore store, PausedLedger::StartTime startTime)
+    : store_(std::move(store)),
+      startTime_(std::move(startTime)), me_{.pid = getpid(),
+                                            .started = startTime_(getpid()).value_or(0.0)} {}
+
+PausedLedger::StartTime SharedLedger::defaultStartTime() {
+    return processStartTime;
+}
+
+bool SharedLedger::record(const std::vector<std::int32_t>& pids) {
+    PausedLedger changed = mine_;
+    changed.record(pids, startTime_, me_);
+    return save(std::move(changed));
+}
+
+bool SharedLedger::forget(const std::vector<std::int32_t>& pids) {
+    PausedLedger changed = mine_;
+    changed.forget(pids);
+    return save(std::move(changed));
+}
+
+std::vector<std::int32_t> SharedLedger::livePids() const {
+    return mine_.livePids(startTime_);
+}
+
+std::vector<std::int32_t> SharedLedger::releaseOrphans() {
+    const FileLock lock(lockPath());
+    PausedLedger stored = storedLedger(store_);
+    const PausedLedger orphans = stored.orphans(startTime_);
+    const auto pids = orphans.livePids(startTime_);
+    Signals::resume(pids);
+    for (const auto& entry : orphans.entries) {
+        stored.entries.erase(entry);
+    }
+    store_.write(ledgerKey, stored.encoded()); // continuing was safe whether or not this lands
+    return pids;
+}
+
+bool SharedLedger::save(PausedLedger changed) {
+    const FileLock lock(lockPath());
+    if (!lock.held()) {
+        return false;
+    }
+    const PausedLedger merged = PausedLedger::merged(storedLedger(store_), changed, me_);
+    if (!store_.write(ledgerKey, merged.encoded())) {
+        return false;
+    }
+    mine_ = std::move(changed);
+    return true;
+}
+
+std::string SharedLedger::lockPath() const {
+    // QSettings keeps a lock file of its own at ".lock".
+    return store_.path() + ".ledger-lock";
+}
+
+} // namespace loadwarden

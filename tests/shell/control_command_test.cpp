@@ -1,0 +1,180 @@
+// The process commands as a user runs them: the real program, in its own
+// defaults folder, acting on real child processes.
+#include "shell/control_options.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace loadwarden {
+namespace {
+
+using namespace std::chrono_literals;
+
+char stateOf(pid_t pid) {
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    const std::string text((std::istreambuf_iterator<char>(stat)), {});
+    const auto close = text.rfind(')');
+    return close == std::string::npos || close + 2 >= text.size() ? '?' : text[close + 2];
+}
+
+char settlesAt(pid_t pid, char wanted, std::chrono::milliseconds within = 5s) {
+    const auto end = std::chrono::steady_clock::now() + within;
+    char state = stateOf(pid);
+    while (state != wanted && std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(10ms);
+        state = stateOf(pid);
+    }
+    return state;
+}
+
+pid_t spawn(const std::vector<std::string>& arguments, const std::string& output = "/dev/null") {
+    const pid_t pid = fork();
+    if (pid == 0) {
+        std::vector<char*> argv;
+        for (const auto& argument : arguments) {
+            argv.push_back(const_cast<char*>(argument.c_str()));
+        }
+        argv.push_back(nullptr);
+        if (std::freopen(output.c_str(), "w", stdout) && std::freopen("/dev/null", "w", stderr)) {
+            execv(argv[0], argv.data());
+        }
+        _exit(127);
+    }
+    return pid;
+}
+
+int exitStatusOf(pid_t pid) {
+    int status = 0;
+    waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+class ControlCommand : public testing::Test {
+protected:
+    ControlCommand() {
+        std::filesystem::create_directories(config);
+        setenv("XDG_CONFIG_HOME", config.c_str(), 1); // inherited by the program
+    }
+    ~ControlCommand() override {
+        for (const pid_t pid : spinners) {
+            ::kill(pid, SIGKILL);
+            waitpid(pid, nullptr, 0);
+        }
+        std::filesystem::remove_all(config);
+    }
+
+    pid_t spinner() {
+        const pid_t pid = fork();
+        if (pid == 0) {
+            while (true) {
+            }
+        }
+        spinners.push_back(pid);
+        return pid;
+    }
+    int run(const std::vector<std::string>& arguments) {
+        std::vector<std::string> all{LOADWARDEN_PROGRAM};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return exitStatusOf(spawn(all));
+    }
+    pid_t start(const std::vector<std::string>& arguments, const std::string& output) {
+        std::vector<std::string> all{LOADWARDEN_PROGRAM};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        return spawn(all, output);
+    }
+    // Waits for the program's first line, which it prints once the group is held.
+    static void waitForHold(const std::string& output) {
+        for (int wait = 0; wait < 500 && std::filesystem::file_size(output) == 0; ++wait) {
+            std::this_thread::sleep_for(10ms);
+        }
+    }
+
+    const std::filesystem::path config =
+        std::filesystem::temp_directory_path() / ("control-command-" + std::to_string(getpid()));
+    std::vector<pid_t> spinners;
+};
+
+TEST_F(ControlCommand, AKilledCopysProcessesAreContinuedByTheNextWhileALiveCopyKeepsItsOwn) {
+    const pid_t limited = spinner();
+    const pid_t paused = spinner();
+    const std::string limitOutput = (config / "limit.txt").string();
+    const std::string pauseOutput = (config / "pause.txt").string();
+    std::ofstream(limitOutput).flush();
+    std::ofstream(pauseOutput).flush();
+    const pid_t limitCopy = start({"limit", std::to_string(limited), "10"}, limitOutput);
+    const pid_t pauseCopy = start({"pause", std::to_string(paused)}, pauseOutput);
+    waitForHold(limitOutput);
+    waitForHold(pauseOutput);
+    ASSERT_EQ(settlesAt(paused, 'T'), 'T');
+    ASSERT_EQ(settlesAt(limited, 'T'), 'T');
+
+    ::kill(limitCopy, SIGKILL);
+    exitStatusOf(limitCopy);
+    ::kill(limited, SIGSTOP); // as its last stop may have left it
+    // Any start of the program, even for help, continues what the dead copy held...
+    EXPECT_EQ(run({"--help"}), 0);
+    EXPECT_EQ(settlesAt(limited, 'R'), 'R');
+    // ...and leaves alone what the live copy holds.
+    std::this_thread::sleep_for(200ms);
+    EXPECT_EQ(stateOf(paused), 'T');
+
+    // Ended politely, the live copy continues its own and leaves the ledger empty.
+    ::kill(pauseCopy, SIGTERM);
+    EXPECT_EQ(exitStatusOf(pauseCopy), 0);
+    EXPECT_EQ(settlesAt(paused, 'R'), 'R');
+    std::ifstream defaults(config / "Loadwarden" / "Loadwarden.conf");
+    const std::string stored((std::istreambuf_iterator<char>(defaults)), {});
+    EXPECT_NE(stored.find(R"({\"entries\":[]})"), std::string::npos) << stored;
+}
+
+TEST_F(ControlCommand, PauseForAWhileThenEverythingRunsAgain) {
+    const pid_t child = spinner();
+    const std::string output = (config / "pause.txt").string();
+    const pid_t copy = start({"pause", std::to_string(child), "--for", "1s"}, output);
+    EXPECT_EQ(settlesAt(child, 'T'), 'T');
+    EXPECT_EQ(exitStatusOf(copy), 0);
+    EXPECT_EQ(settlesAt(child, 'R'), 'R');
+    std::ifstream printed(output);
+    const std::string text((std::istreambuf_iterator<char>(printed)), {});
+    EXPECT_NE(text.find("Paused "), std::string::npos) << text;
+    EXPECT_NE(text.find("Resumed "), std::string::npos) << text;
+}
+
+TEST_F(ControlCommand, RefusalsAndUnknownTargetsSignalNothing) {
+    EXPECT_EQ(run({"pause", "1"}), 3) << "the first process is the system's";
+    const pid_t own = spinner();
+    EXPECT_EQ(run({"end", std::to_string(own)}), 0) << "a process of the user's own";
+    EXPECT_EQ(waitpid(own, nullptr, 0), own);
+    spinners.pop_back();
+    EXPECT_EQ(run({"pause", "no-such-app-anywhere"}), 2);
+    EXPECT_EQ(run({"limit", "1"}), 2) << "no percent";
+    EXPECT_EQ(run({"force-quit", std::to_string(spinner())}), 2) << "not confirmed";
+}
+
+TEST(ControlOptions, TargetsPercentsAndDurations) {
+    const auto limit = std::get<ControlOptions>(
+        parseControlOptions(ControlVerb::limit, {"Safari", "25%", "--for", "1.5h"}));
+    EXPECT_EQ(limit.target, "Safari");
+    EXPECT_EQ(limit.percent, 25.0);
+    EXPECT_EQ(limit.holdFor, 5400.0);
+    EXPECT_EQ(std::get<ControlOptions>(parseControlOptions(ControlVerb::pause, {"7", "--for=90"}))
+                  .holdFor,
+              90.0);
+    EXPECT_EQ(std::get<std::string>(parseControlOptions(ControlVerb::limit, {"Safari", "none"})),
+              "PERCENT takes a share of one core above 0, such as 25 or 150, not 'none'");
+    EXPECT_EQ(std::get<std::string>(parseControlOptions(ControlVerb::pause, {})),
+              "needs a TARGET: a pid, a group id or a name");
+    EXPECT_EQ(std::get<std::string>(parseControlOptions(ControlVerb::resume, {"7", "--for", "9"})),
+              "unknown option '--for'");
+    EXPECT_TRUE(std::get<ControlOptions>(parseControlOptions(ControlVerb::pause, {"--help"})).help);
+}
+
+} // namespace
+} // namespace loadwarden

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace loadwarden {
@@ -101,7 +102,9 @@ std::optional<int> minutesUntilEmpty(const std::vector<PowerSupply>& batteries,
     if (!minutes && remaining && drain && *drain > 0.0) {
         minutes = *remaining / *drain * 60.0;
     }
-    if (!minutes || !(*minutes >= 1.0)) {
+    // A drain of a few microwatts promises years; no battery lasts a month.
+    constexpr double longestMinutes = 31 * 24 * 60;
+    if (!minutes || !(*minutes >= 1.0) || *minutes > longestMinutes) {
         return std::nullopt;
     }
     return static_cast<int>(*minutes);
@@ -111,7 +114,8 @@ std::optional<int> mostCycles(const std::vector<PowerSupply>& batteries) {
     std::optional<int> most;
     for (const auto& battery : batteries) {
         // Many batteries report 0 cycles when they do not count them.
-        if (const auto cycles = number(battery, "CYCLE_COUNT"); cycles && *cycles > 0) {
+        if (const auto cycles = number(battery, "CYCLE_COUNT");
+            cycles && *cycles > 0 && *cycles <= std::numeric_limits<int>::max()) {
             most = std::max(most.value_or(0), static_cast<int>(*cycles));
         }
     }

@@ -46,6 +46,14 @@ TEST(LinuxBattery, ChargeFamilyZeroCyclesAndMains) {
     EXPECT_TRUE(batteryInfoFromSupplies({laptopBattery}, std::nullopt)->onBattery);
     EXPECT_FALSE(batteryInfoFromSupplies({battery}, std::nullopt)->onBattery);
     EXPECT_FALSE(batteryInfoFromSupplies({}, true)); // a desktop
+    // A drain the sensor barely registers promises no time at all.
+    const auto trickle = parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Battery\n"
+                                                "POWER_SUPPLY_STATUS=Discharging\n"
+                                                "POWER_SUPPLY_ENERGY_NOW=50000000\n"
+                                                "POWER_SUPPLY_POWER_NOW=3\n"
+                                                "POWER_SUPPLY_CYCLE_COUNT=99999999999\n");
+    EXPECT_FALSE(batteryInfoFromSupplies({trickle}, false)->minutesLeft);
+    EXPECT_FALSE(batteryInfoFromSupplies({trickle}, false)->cycleCount);
 
     EXPECT_EQ(
         mainsOnline(parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Mains\nPOWER_SUPPLY_ONLINE=1\n")),

@@ -170,8 +170,9 @@ int act(ControlVerb verb, const ControlOptions& options, std::ostream& out, std:
 
 int runControlCommand(ControlVerb verb, const std::vector<std::string>& arguments,
                       std::ostream& out, std::ostream& err) {
-    return runCommand(controlCommandName(verb), controlUsage(verb),
-                      parseControlOptions(verb, arguments), out, err,
+    const std::string usage = controlUsage(verb);
+    return runCommand(controlCommandName(verb), usage, parseControlOptions(verb, arguments), out,
+                      err,
                       [&](const ControlOptions& options) { return act(verb, options, out, err); });
 }
 

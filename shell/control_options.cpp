@@ -9,97 +9,53 @@ namespace loadwarden {
 
 namespace {
 
-constexpr std::string_view targetHelp =
-    "TARGET is a pid, a group id such as app:/Applications/Mail.app or pid:4242,\n"
-    "or an app's name, in any case.\n";
+struct ControlCommand {
+    std::string_view name;
+    ProcessAction action;
+    std::string_view synopsis;
+    std::string_view description;
+};
+
+// In the order of ControlVerb.
+constexpr ControlCommand controlCommands[] = {
+    {"quit", ProcessAction::quit, "quit TARGET", "Asks an app to quit, so it can save first.\n"},
+    {"end", ProcessAction::quit, "end TARGET",
+     "Asks a process to stop, so it can clean up first.\n"},
+    {"force-quit", ProcessAction::forceQuit, "force-quit TARGET [--yes]",
+     "Stops an app or process at once; anything it hasn't saved is lost.\n"
+     "It asks first on a terminal; elsewhere --yes confirms.\n"},
+    {"pause", ProcessAction::pause, "pause TARGET [--for DURATION]",
+     "Stops an app using the processor while this command runs: until\n"
+     "DURATION (such as 90, 5m or 1h) has passed, or it is interrupted.\n"
+     "Then it lets it run again.\n"},
+    {"resume", ProcessAction::resume, "resume TARGET",
+     "Lets a paused app use the processor freely again.\n"},
+    {"limit", ProcessAction::limit, "limit TARGET PERCENT [--for DURATION]",
+     "Keeps an app near PERCENT of one core (100 is a whole core) by pausing\n"
+     "it many times a second, while this command runs: until DURATION (such\n"
+     "as 90, 5m or 1h) has passed, or it is interrupted.\n"},
+};
+
+const ControlCommand& commandOf(ControlVerb verb) {
+    return controlCommands[static_cast<std::size_t>(verb)];
+}
 
 } // namespace
 
 std::string_view controlCommandName(ControlVerb verb) {
-    switch (verb) {
-    case ControlVerb::quit:
-        return "quit";
-    case ControlVerb::end:
-        return "end";
-    case ControlVerb::forceQuit:
-        return "force-quit";
-    case ControlVerb::pause:
-        return "pause";
-    case ControlVerb::resume:
-        return "resume";
-    case ControlVerb::limit:
-        return "limit";
-    }
-    return "";
+    return commandOf(verb).name;
 }
 
 ProcessAction controlAction(ControlVerb verb) {
-    switch (verb) {
-    case ControlVerb::quit:
-    case ControlVerb::end:
-        return ProcessAction::quit;
-    case ControlVerb::forceQuit:
-        return ProcessAction::forceQuit;
-    case ControlVerb::pause:
-        return ProcessAction::pause;
-    case ControlVerb::resume:
-        return ProcessAction::resume;
-    case ControlVerb::limit:
-        return ProcessAction::limit;
-    }
-    return ProcessAction::quit;
+    return commandOf(verb).action;
 }
 
-std::string_view controlUsage(ControlVerb verb) {
-    static const std::string quit = std::string("usage: loadwarden quit TARGET\n"
-                                                "\n"
-                                                "Asks an app to quit, so it can save first.\n") +
-                                    std::string(targetHelp);
-    static const std::string end =
-        std::string("usage: loadwarden end TARGET\n"
-                    "\n"
-                    "Asks a process to stop, so it can clean up first.\n") +
-        std::string(targetHelp);
-    static const std::string forceQuit =
-        std::string("usage: loadwarden force-quit TARGET [--yes]\n"
-                    "\n"
-                    "Stops an app or process at once; anything it hasn't saved is lost.\n"
-                    "It asks first on a terminal; elsewhere --yes confirms.\n") +
-        std::string(targetHelp);
-    static const std::string pause =
-        std::string("usage: loadwarden pause TARGET [--for DURATION]\n"
-                    "\n"
-                    "Stops an app using the processor while this command runs: until\n"
-                    "DURATION (such as 90, 5m or 1h) has passed, or it is interrupted.\n"
-                    "Then it lets it run again.\n") +
-        std::string(targetHelp);
-    static const std::string resume =
-        std::string("usage: loadwarden resume TARGET\n"
-                    "\n"
-                    "Lets a paused app use the processor freely again.\n") +
-        std::string(targetHelp);
-    static const std::string limit =
-        std::string("usage: loadwarden limit TARGET PERCENT [--for DURATION]\n"
-                    "\n"
-                    "Keeps an app near PERCENT of one core (100 is a whole core) by pausing\n"
-                    "it many times a second, while this command runs: until DURATION (such\n"
-                    "as 90, 5m or 1h) has passed, or it is interrupted.\n") +
-        std::string(targetHelp);
-    switch (verb) {
-    case ControlVerb::quit:
-        return quit;
-    case ControlVerb::end:
-        return end;
-    case ControlVerb::forceQuit:
-        return forceQuit;
-    case ControlVerb::pause:
-        return pause;
-    case ControlVerb::resume:
-        return resume;
-    case ControlVerb::limit:
-        return limit;
-    }
-    return "";
+std::string controlUsage(ControlVerb verb) {
+    const ControlCommand& command = commandOf(verb);
+    return "usage: loadwarden " + std::string(command.synopsis) + "\n\n" +
+           std::string(command.description) +
+           "\nTARGET is a pid, a group id such as app:/Applications/Mail.app or pid:4242,\n"
+           "or an app's name, in any case.\n";
 }
 
 std::variant<ControlOptions, std::string>

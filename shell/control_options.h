@@ -23,7 +23,7 @@ struct ControlOptions {
 };
 
 std::string_view controlCommandName(ControlVerb verb);
-std::string_view controlUsage(ControlVerb verb);
+std::string controlUsage(ControlVerb verb);
 ProcessAction controlAction(ControlVerb verb);
 
 std::variant<ControlOptions, std::string>

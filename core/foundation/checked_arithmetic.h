@@ -3,14 +3,13 @@
 #include "core/foundation/programming_error.h"
 
 #include <cstdint>
-#include <source_location>
 
 namespace loadwarden {
 
 // Byte and tick counters must never wrap silently: a wrapped sum would show a
 // plausible but wrong figure. Overflow is a programming error and aborts.
 inline std::uint64_t checkedAdd(std::uint64_t lhs, std::uint64_t rhs,
-                                std::source_location where = std::source_location::current()) {
+                                SourcePlace where = SourcePlace::current()) {
     std::uint64_t sum = 0;
     if (__builtin_add_overflow(lhs, rhs, &sum)) {
         programmingError("unsigned overflow in addition", where);
@@ -19,7 +18,7 @@ inline std::uint64_t checkedAdd(std::uint64_t lhs, std::uint64_t rhs,
 }
 
 inline std::uint64_t checkedMultiply(std::uint64_t lhs, std::uint64_t rhs,
-                                     std::source_location where = std::source_location::current()) {
+                                     SourcePlace where = SourcePlace::current()) {
     std::uint64_t product = 0;
     if (__builtin_mul_overflow(lhs, rhs, &product)) {
         programmingError("unsigned overflow in multiplication", where);

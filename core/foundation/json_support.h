@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace nlohmann {
 
@@ -24,7 +25,11 @@ struct adl_serializer<std::optional<T>> {
         if (j.is_null()) {
             value.reset();
         } else {
-            value = j.get<T>();
+            // get<T>() would ask whether T is default-constructible, which
+            // clang 14 answers wrongly for a class nested in one being defined.
+            T decoded;
+            j.get_to(decoded);
+            value = std::move(decoded);
         }
     }
 };

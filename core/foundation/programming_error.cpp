@@ -5,10 +5,9 @@
 
 namespace loadwarden {
 
-void programmingError(std::string_view message, std::source_location where) {
+void programmingError(std::string_view message, SourcePlace where) {
     std::fprintf(stderr, "loadwarden: %.*s at %s:%u (%s)\n", static_cast<int>(message.size()),
-                 message.data(), where.file_name(), static_cast<unsigned>(where.line()),
-                 where.function_name());
+                 message.data(), where.file, where.line, where.function);
     std::abort();
 }
 

@@ -1,7 +1,5 @@
 #include "core/measurement/ps_line.h"
 
-#include "core/foundation/checked_arithmetic.h"
-#include "core/foundation/programming_error.h"
 #include "core/text/text_parsing.h"
 
 #include <array>
@@ -87,7 +85,9 @@ std::optional<std::uint64_t> PSLine::parseTime(std::string_view field) {
     }
     const double nanoseconds = std::trunc((seconds + clock) * 1e9);
     // 2^64 is exactly representable; anything at or above it cannot be a real time.
-    require(nanoseconds < 18446744073709551616.0, "processor time beyond 64-bit nanoseconds");
+    if (!(nanoseconds < 18446744073709551616.0)) {
+        return std::nullopt;
+    }
     return static_cast<std::uint64_t>(nanoseconds);
 }
 
@@ -102,14 +102,16 @@ std::optional<PSLine> PSLine::parse(std::string_view line) {
     const auto uid = parseInteger<std::uint32_t>((*columns)[2]);
     const auto rssKibibytes = parseInteger<std::uint64_t>((*columns)[3]);
     const auto cpuTime = parseTime((*columns)[4]);
-    if (!pid || !ppid || !uid || !rssKibibytes || !cpuTime) {
+    std::uint64_t rssBytes = 0;
+    if (!pid || !ppid || !uid || !rssKibibytes || !cpuTime ||
+        __builtin_mul_overflow(*rssKibibytes, bytesPerKibibyte, &rssBytes)) {
         return std::nullopt;
     }
     return PSLine{
         .pid = *pid,
         .ppid = *ppid,
         .uid = *uid,
-        .rssBytes = checkedMultiply(*rssKibibytes, bytesPerKibibyte),
+        .rssBytes = rssBytes,
         .cpuTimeNs = *cpuTime,
         .state = runStateFromField((*columns)[5]),
         .command = std::string(trimWhitespace(rest)),

@@ -22,6 +22,7 @@ struct PSLine {
     RunState state = RunState::other;
     std::string command; // may contain spaces
 
+    // Nothing for a line that is not one, or whose size or time is past 64 bits.
     static std::optional<PSLine> parse(std::string_view line);
     // Lines that do not parse are dropped; order is kept.
     static std::vector<PSLine> parseOutput(std::string_view output);

@@ -1,5 +1,7 @@
 #include "core/text/text_parsing.h"
 
+#include <cmath>
+
 namespace loadwarden {
 
 namespace {
@@ -30,7 +32,8 @@ std::optional<double> parseDecimal(std::string_view text) {
             scale /= 10.0;
         }
     }
-    if (i != text.size() || wholeDigits + fractionDigits == 0) {
+    // Digits past the range of a double add up to infinity, which no figure is.
+    if (i != text.size() || wholeDigits + fractionDigits == 0 || !std::isfinite(whole)) {
         return std::nullopt;
     }
     return whole + fraction;

@@ -20,7 +20,7 @@ std::optional<T> parseInteger(std::string_view text) {
 }
 
 // Plain decimal notation only: digits with an optional fraction ("12", "0.5",
-// "59.99"). Locale-independent, unlike strtod.
+// "59.99"), within the range of a double. Locale-independent, unlike strtod.
 std::optional<double> parseDecimal(std::string_view text);
 
 std::string_view trimWhitespace(std::string_view text);

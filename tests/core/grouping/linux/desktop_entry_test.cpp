@@ -41,6 +41,24 @@ TEST(DesktopEntryParsing, PicksTheBestTranslationOfTheName) {
     EXPECT_TRUE(DesktopEntries::parse(editorEntry, "")->isApplication);
 }
 
+TEST(DesktopEntryParsing, AnEmptyTranslationFallsBackToABroaderName) {
+    // Translation tools write a key for every language, empty where no one
+    // has translated it yet; the app must still be listed under its name.
+    constexpr std::string_view halfTranslated = "[Desktop Entry]\n"
+                                                "Type=Application\n"
+                                                "Name=Disk Usage\n"
+                                                "Name[de]=Festplattenbelegung\n"
+                                                "Name[de_AT]=\n"
+                                                "Name[fr]=\n";
+    const auto entry = [](std::string_view locale) {
+        return DesktopEntries::parse(halfTranslated, locale);
+    };
+    EXPECT_EQ(entry("de_AT.UTF-8")->name, "Festplattenbelegung");
+    ASSERT_TRUE(entry("fr_FR.UTF-8"));
+    EXPECT_EQ(entry("fr_FR.UTF-8")->name, "Disk Usage");
+    EXPECT_TRUE(entry("fr_FR.UTF-8")->isApplication);
+}
+
 TEST(DesktopEntryParsing, OnlyVisibleApplicationsCountAsApps) {
     const auto entry = [](std::string_view text) { return DesktopEntries::parse(text, "en_US"); };
     EXPECT_FALSE(

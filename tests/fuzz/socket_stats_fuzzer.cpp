@@ -1,0 +1,57 @@
+// ss output: SocketStats::parse, and its sockets through TcpSocketLedger::record.
+#include "core/network/linux/socket_stats.h"
+#include "core/network/linux/tcp_socket_ledger.h"
+#include "tests/fuzz/fuzz_support.h"
+
+#include <algorithm>
+
+namespace loadwarden {
+namespace {
+
+using fuzz::check;
+
+bool isAddress(std::string_view address) {
+    return !address.empty() && address.find(' ') == std::string_view::npos;
+}
+
+std::vector<SocketBytes> parsed(std::string_view output) {
+    std::vector<SocketBytes> sockets = SocketStats::parse(output);
+    for (const SocketBytes& socket : sockets) {
+        check(!socket.owners.empty(), "a socket has an owner");
+        check(isAddress(socket.local) && isAddress(socket.peer), "addresses are single words");
+    }
+    return sockets;
+}
+
+bool isOwnedIn(std::int32_t pid, const std::vector<SocketBytes>& sockets) {
+    return std::any_of(sockets.begin(), sockets.end(), [pid](const SocketBytes& socket) {
+        return std::any_of(socket.owners.begin(), socket.owners.end(),
+                           [pid](const SocketOwner& owner) { return owner.pid == pid; });
+    });
+}
+
+} // namespace
+} // namespace loadwarden
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace loadwarden;
+    const auto [first, second] = fuzz::halves(fuzz::text(data, size));
+    const auto earlier = parsed(first);
+    const auto later = parsed(second);
+
+    TcpSocketLedger ledger;
+    const NetworkSample before = ledger.record(earlier);
+    const NetworkSample after = ledger.record(later);
+    fuzz::check(ledger.record(later) == after, "a listing seen again adds nothing");
+    for (const auto& [pid, bytes] : after) {
+        fuzz::check(bytes.pid == pid && isOwnedIn(pid, later),
+                    "a process counts while it holds a socket");
+        const auto previous = before.find(pid);
+        if (previous != before.end() && previous->second.name == bytes.name) {
+            fuzz::check(bytes.bytesIn >= previous->second.bytesIn &&
+                            bytes.bytesOut >= previous->second.bytesOut,
+                        "a process's counters never go down");
+        }
+    }
+    return 0;
+}

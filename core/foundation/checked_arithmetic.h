@@ -32,4 +32,17 @@ constexpr std::uint64_t counterDelta(std::uint64_t previous, std::uint64_t curre
     return current >= previous ? current - previous : 0;
 }
 
+// Counters read from a file of the kernel that add up past 64 bits come
+// from a garbled file, not from our code: the sum stops at the largest value
+// rather than aborting the reader.
+inline std::uint64_t saturatingAdd(std::uint64_t lhs, std::uint64_t rhs) {
+    std::uint64_t sum = 0;
+    return __builtin_add_overflow(lhs, rhs, &sum) ? UINT64_MAX : sum;
+}
+
+inline std::uint64_t saturatingMultiply(std::uint64_t lhs, std::uint64_t rhs) {
+    std::uint64_t product = 0;
+    return __builtin_mul_overflow(lhs, rhs, &product) ? UINT64_MAX : product;
+}
+
 } // namespace loadwarden

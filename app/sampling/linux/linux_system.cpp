@@ -114,7 +114,7 @@ MemoryStats LinuxSystem::memory() {
     std::uint64_t zram = 0;
     for (const auto& stats : zramStats_) {
         const auto compressed = zramCompressedBytes(KernelFiles::text(stats).value_or(""));
-        zram = checkedAdd(zram, compressed.value_or(0));
+        zram = saturatingAdd(zram, compressed.value_or(0));
     }
     const auto stats = KernelFiles::read("/proc/meminfo", buffer_)
                            ? memoryStatsFromMeminfo(parseMeminfo(buffer_), zram, pressure_)
@@ -142,8 +142,9 @@ std::optional<ByteCounters> LinuxSystem::diskCounters() {
     ByteCounters total;
     for (const auto& disk : parseDiskstats(buffer_)) {
         if (isPhysicalDisk(disk.name)) {
-            total.in = checkedAdd(total.in, checkedMultiply(disk.sectorsRead, sectorBytes));
-            total.out = checkedAdd(total.out, checkedMultiply(disk.sectorsWritten, sectorBytes));
+            total.in = saturatingAdd(total.in, saturatingMultiply(disk.sectorsRead, sectorBytes));
+            total.out =
+                saturatingAdd(total.out, saturatingMultiply(disk.sectorsWritten, sectorBytes));
         }
     }
     return total;
@@ -189,7 +190,7 @@ std::uint64_t LinuxSystem::throttleCount() const {
     std::uint64_t count = 0;
     for (const auto& counter : throttleCounters_) {
         const auto value = parseInteger<std::uint64_t>(trimmedText(counter).value_or(""));
-        count = checkedAdd(count, value.value_or(0));
+        count = saturatingAdd(count, value.value_or(0));
     }
     return count;
 }

@@ -20,7 +20,8 @@ std::uint64_t figure(const Meminfo& meminfo, std::string_view name) {
 std::optional<double> averageOverTenSeconds(std::string_view line) {
     for (const auto field : splitFields(line)) {
         if (startsWith(field, "avg10=")) {
-            return parseDecimal(field.substr(6));
+            const auto percent = parseDecimal(field.substr(6));
+            return percent && *percent <= 100.0 ? percent : std::nullopt;
         }
     }
     return std::nullopt;
@@ -55,9 +56,9 @@ std::vector<CoreTicks> parseCoreTicks(std::string_view procStat) {
         cores.push_back(CoreTicks{
             .cpu = *cpu,
             .ticks = CPUTicks{.user = counters[0],
-                              .system = checkedAdd(checkedAdd(counters[2], counters[5]),
-                                                   checkedAdd(counters[6], counters[7])),
-                              .idle = checkedAdd(counters[3], counters[4]),
+                              .system = saturatingAdd(saturatingAdd(counters[2], counters[5]),
+                                                      saturatingAdd(counters[6], counters[7])),
+                              .idle = saturatingAdd(counters[3], counters[4]),
                               .nice = counters[1]},
         });
     });
@@ -75,8 +76,11 @@ Meminfo parseMeminfo(std::string_view text) {
         if (fields.size() != 2 || fields[1] != "kB") {
             return; // page counts such as HugePages_Total carry no unit
         }
-        if (const auto kibibytes = parseInteger<std::uint64_t>(fields[0])) {
-            meminfo.emplace(std::string(line.substr(0, colon)), checkedMultiply(*kibibytes, 1024));
+        const auto kibibytes = parseInteger<std::uint64_t>(fields[0]);
+        std::uint64_t bytes = 0;
+        // A figure past 64 bits of bytes is a garbled line, left out.
+        if (kibibytes && !__builtin_mul_overflow(*kibibytes, 1024, &bytes)) {
+            meminfo.emplace(std::string(line.substr(0, colon)), bytes);
         }
     });
     return meminfo;
@@ -100,9 +104,9 @@ std::optional<MemoryStats> memoryStatsFromMeminfo(const Meminfo& meminfo,
     const std::uint64_t total = figure(meminfo, "MemTotal");
     const std::uint64_t used = counterDelta(figure(meminfo, "MemAvailable"), total);
     const std::uint64_t wired =
-        checkedAdd(checkedAdd(figure(meminfo, "Unevictable"), figure(meminfo, "SUnreclaim")),
-                   checkedAdd(figure(meminfo, "KernelStack"), figure(meminfo, "PageTables")));
-    const std::uint64_t compressed = checkedAdd(figure(meminfo, "Zswap"), zramCompressed);
+        saturatingAdd(saturatingAdd(figure(meminfo, "Unevictable"), figure(meminfo, "SUnreclaim")),
+                      saturatingAdd(figure(meminfo, "KernelStack"), figure(meminfo, "PageTables")));
+    const std::uint64_t compressed = saturatingAdd(figure(meminfo, "Zswap"), zramCompressed);
     // Wired and compressed memory lie inside MemTotal - MemAvailable already;
     // apps get the rest, so that the parts add up to what is used.
     const std::uint64_t wiredPart = std::min(wired, used);
@@ -112,9 +116,9 @@ std::optional<MemoryStats> memoryStatsFromMeminfo(const Meminfo& meminfo,
     // the reclaimable part, and it can never be more than what is not used.
     const std::uint64_t pageCache =
         counterDelta(figure(meminfo, "Shmem"),
-                     checkedAdd(figure(meminfo, "Buffers"), figure(meminfo, "Cached")));
+                     saturatingAdd(figure(meminfo, "Buffers"), figure(meminfo, "Cached")));
     const std::uint64_t cached =
-        std::min(checkedAdd(pageCache, figure(meminfo, "SReclaimable")), total - used);
+        std::min(saturatingAdd(pageCache, figure(meminfo, "SReclaimable")), total - used);
     const std::uint64_t swapTotal = figure(meminfo, "SwapTotal");
     return MemoryStats{
         .total = total,
@@ -211,8 +215,8 @@ Traffic countedTraffic(const std::vector<InterfaceCounters>& interfaces) {
     Traffic traffic;
     for (const auto& interface : interfaces) {
         if (interface.name != "lo" && (interface.hasDevice || !anyDevice)) {
-            traffic.received = checkedAdd(traffic.received, interface.received);
-            traffic.sent = checkedAdd(traffic.sent, interface.sent);
+            traffic.received = saturatingAdd(traffic.received, interface.received);
+            traffic.sent = saturatingAdd(traffic.sent, interface.sent);
         }
     }
     return traffic;
@@ -229,7 +233,10 @@ std::optional<std::vector<int>> parseCPUList(std::string_view text) {
         const auto first = parseInteger<int>(range.substr(0, dash));
         const auto last =
             dash == std::string_view::npos ? first : parseInteger<int>(range.substr(dash + 1));
-        if (!first || !last || *last < *first || *first < 0) {
+        // No kernel numbers its processors this high; a list that claims to
+        // is garbled, and would cost memory and time to spell out.
+        constexpr int highestCPU = 32767;
+        if (!first || !last || *last < *first || *first < 0 || *last > highestCPU) {
             return std::nullopt;
         }
         for (int cpu = *first; cpu <= *last; ++cpu) {

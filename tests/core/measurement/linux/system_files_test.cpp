@@ -134,6 +134,27 @@ TEST(ProcSystemFiles, CPUListsAndUptime) {
     EXPECT_FALSE(parseUptime(""));
 }
 
+TEST(ProcSystemFiles, AGarbledFileNeverStopsTheReader) {
+    constexpr std::uint64_t most = UINT64_MAX;
+    // Counters that add up past 64 bits stop at the largest value.
+    const auto traffic = countedTraffic(
+        parseNetDev("Inter-|\n face |\n  eth0: 18446744073709551615 0 0 0 0 0 0 0 1 0 0 0 0 0 0 0\n"
+                    " wlan0: 1 0 0 0 0 0 0 0 1 0 0 0 0 0 0 0\n"));
+    EXPECT_EQ(traffic.received, most);
+    EXPECT_EQ(parseCoreTicks("cpu0 0 0 18446744073709551615 0 0 1 0 0\n")[0].ticks.system, most);
+    // A size past 64 bits of bytes is left out; sums of the rest saturate.
+    EXPECT_FALSE(parseMeminfo("MemTotal: 18014398509481984 kB\n").contains("MemTotal"));
+    const auto stats = memoryStatsFromMeminfo(
+        parseMeminfo("MemTotal: 16000000 kB\nMemAvailable: 8000000 kB\n"
+                     "Buffers: 18014398509481983 kB\nCached: 18014398509481983 kB\n"),
+        0, MemoryPressure::normal);
+    ASSERT_TRUE(stats);
+    EXPECT_EQ(stats->cached, stats->total - stats->used());
+    // No processor numbers that high; no stall above all of the time.
+    EXPECT_FALSE(parseCPUList("0-2147483647"));
+    EXPECT_FALSE(parseMemoryStall("some avg10=250.00 avg60=0.00 avg300=0.00 total=0\n"));
+}
+
 TEST(CoreTopology, KindsGoByCoreNumber) {
     // Intel numbers its performance cores first.
     const CoreTopology intel{.performance = {0, 1, 2, 3}, .efficiency = {4, 5, 6, 7}};

@@ -1,6 +1,7 @@
 // The process commands as a user runs them: the real program, in its own
 // defaults folder, acting on real child processes.
 #include "shell/control_options.h"
+#include "tests/support/spinning_children.h"
 
 #include <chrono>
 #include <csignal>
@@ -16,23 +17,8 @@ namespace loadwarden {
 namespace {
 
 using namespace std::chrono_literals;
-
-char stateOf(pid_t pid) {
-    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
-    const std::string text((std::istreambuf_iterator<char>(stat)), {});
-    const auto close = text.rfind(')');
-    return close == std::string::npos || close + 2 >= text.size() ? '?' : text[close + 2];
-}
-
-char settlesAt(pid_t pid, char wanted, std::chrono::milliseconds within = 5s) {
-    const auto end = std::chrono::steady_clock::now() + within;
-    char state = stateOf(pid);
-    while (state != wanted && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(10ms);
-        state = stateOf(pid);
-    }
-    return state;
-}
+using support::settlesAt;
+using support::stateOf;
 
 pid_t spawn(const std::vector<std::string>& arguments, const std::string& output = "/dev/null") {
     const pid_t pid = fork();
@@ -62,23 +48,9 @@ protected:
         std::filesystem::create_directories(config);
         setenv("XDG_CONFIG_HOME", config.c_str(), 1); // inherited by the program
     }
-    ~ControlCommand() override {
-        for (const pid_t pid : spinners) {
-            ::kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-        }
-        std::filesystem::remove_all(config);
-    }
+    ~ControlCommand() override { std::filesystem::remove_all(config); }
 
-    pid_t spinner() {
-        const pid_t pid = fork();
-        if (pid == 0) {
-            while (true) {
-            }
-        }
-        spinners.push_back(pid);
-        return pid;
-    }
+    pid_t spinner() { return children.add(); }
     int run(const std::vector<std::string>& arguments) {
         std::vector<std::string> all{LOADWARDEN_PROGRAM};
         all.insert(all.end(), arguments.begin(), arguments.end());
@@ -98,7 +70,7 @@ protected:
 
     const std::filesystem::path config =
         std::filesystem::temp_directory_path() / ("control-command-" + std::to_string(getpid()));
-    std::vector<pid_t> spinners;
+    support::SpinningChildren children;
 };
 
 TEST_F(ControlCommand, AKilledCopysProcessesAreContinuedByTheNextWhileALiveCopyKeepsItsOwn) {
@@ -152,7 +124,7 @@ TEST_F(ControlCommand, RefusalsAndUnknownTargetsSignalNothing) {
     const pid_t own = spinner();
     EXPECT_EQ(run({"end", std::to_string(own)}), 0) << "a process of the user's own";
     EXPECT_EQ(waitpid(own, nullptr, 0), own);
-    spinners.pop_back();
+    children.pids.pop_back();
     EXPECT_EQ(run({"pause", "no-such-app-anywhere"}), 2);
     EXPECT_EQ(run({"limit", "1"}), 2) << "no percent";
     EXPECT_EQ(run({"force-quit", std::to_string(spinner())}), 2) << "not confirmed";

@@ -9,7 +9,7 @@
 namespace loadwarden {
 
 std::optional<Date> processStartTime(std::int32_t pid) {
-    const auto text = KernelFiles::text("/proc/" + std::to_string(pid) + "/stat");
+    const auto text = KernelFiles::text(KernelFiles::processFile(pid, "stat"));
     const auto stat = text ? ProcStat::parse(*text) : std::nullopt;
     if (!stat) {
         return std::nullopt;

@@ -122,6 +122,10 @@ std::vector<std::string> KernelFiles::entriesStartingWith(const std::string& dir
     return paths;
 }
 
+std::string KernelFiles::processFile(int pid, std::string_view name) {
+    return "/proc/" + std::to_string(pid) + "/" + std::string(name);
+}
+
 std::vector<int> KernelFiles::processIDs() {
     std::vector<int> pids;
     forEachEntry("/proc", [&pids](std::string_view name) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace loadwarden {
@@ -32,6 +33,9 @@ std::vector<std::string> entries(const std::string& directory);
 // The paths of a directory's entries whose names start with a prefix, sorted.
 std::vector<std::string> entriesStartingWith(const std::string& directory,
                                              const std::string& prefix);
+
+// "/proc/PID/name".
+std::string processFile(int pid, std::string_view name);
 
 // The numeric names in /proc: the pids.
 std::vector<int> processIDs();

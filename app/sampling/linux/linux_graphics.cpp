@@ -11,19 +11,15 @@ namespace loadwarden {
 
 namespace {
 
-std::string procPath(int pid, const std::string& name) {
-    return "/proc/" + std::to_string(pid) + "/" + name;
-}
-
 // The fdinfo files of a process's open graphics device files. Another
 // user's descriptors cannot be listed, so their processes have none.
 std::vector<std::string> graphicsFdinfoPaths(int pid) {
     std::vector<std::string> paths;
-    const std::string fds = procPath(pid, "fd");
+    const std::string fds = KernelFiles::processFile(pid, "fd");
     for (const auto& fd : KernelFiles::entries(fds)) {
         const auto target = KernelFiles::linkTarget(fds + "/" + fd);
         if (target && target->starts_with("/dev/dri/")) {
-            paths.push_back(procPath(pid, "fdinfo/" + fd));
+            paths.push_back(KernelFiles::processFile(pid, "fdinfo/" + fd));
         }
     }
     return paths;

@@ -18,10 +18,6 @@ namespace {
 
 constexpr std::size_t elfHeaderBytes = 20;
 
-std::string procPath(int pid, const char* file) {
-    return "/proc/" + std::to_string(pid) + "/" + file;
-}
-
 // The wall-clock date of boot, fixed once so that start times computed from
 // it never drift between ticks: a process is known by its exact start time.
 Date bootDate() {
@@ -83,7 +79,7 @@ std::vector<ProcessReading> LinuxProcesses::read() {
 
 std::optional<ProcessReading> LinuxProcesses::readOne(int pid, OpenFiles& files, bool keep) {
     // A process that ended since the listing simply has no files any more.
-    if (!files.stat.read(procPath(pid, "stat"), stat_, keep)) {
+    if (!files.stat.read(KernelFiles::processFile(pid, "stat"), stat_, keep)) {
         return std::nullopt;
     }
     const auto stat = ProcStat::parse(stat_);
@@ -107,7 +103,7 @@ std::optional<ProcessReading> LinuxProcesses::readOne(int pid, OpenFiles& files,
     reading.readAt = monotonicSeconds();
     record.memoryBytes = checkedMultiply(stat->residentPages, pageSize_);
     // Another user's io file is closed to us: its disk bytes stay absent.
-    if (files.io.read(procPath(pid, "io"), io_, keep)) {
+    if (files.io.read(KernelFiles::processFile(pid, "io"), io_, keep)) {
         if (const auto io = parseProcIO(io_)) {
             record.diskReadBytes = io->readBytes;
             record.diskWrittenBytes = io->writeBytes;
@@ -133,10 +129,13 @@ std::uint64_t LinuxProcesses::cpuTimeNs(int pid, std::uint64_t ticks) const {
 
 ProcessFacts LinuxProcesses::facts(const ProcessReading& process) const {
     const int pid = process.record.pid;
-    const std::string link = KernelFiles::linkTarget(procPath(pid, "exe")).value_or("");
-    const std::string cmdline = KernelFiles::text(procPath(pid, "cmdline")).value_or("");
-    const auto header = KernelFiles::head(procPath(pid, "exe"), elfHeaderBytes);
-    const std::string cgroup = KernelFiles::text(procPath(pid, "cgroup")).value_or("");
+    const std::string link =
+        KernelFiles::linkTarget(KernelFiles::processFile(pid, "exe")).value_or("");
+    const std::string cmdline =
+        KernelFiles::text(KernelFiles::processFile(pid, "cmdline")).value_or("");
+    const auto header = KernelFiles::head(KernelFiles::processFile(pid, "exe"), elfHeaderBytes);
+    const std::string cgroup =
+        KernelFiles::text(KernelFiles::processFile(pid, "cgroup")).value_or("");
     return ProcessFacts{
         .path = std::string(executablePathFromLink(link)),
         .name = processDisplayName(process.command, firstArgument(cmdline), link),

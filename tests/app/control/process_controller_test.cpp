@@ -1,6 +1,7 @@
 // The controller on real child processes, their states read from /proc.
 #include "app/control/process_controller.h"
 #include "tests/core/grouping/process_fixtures.h"
+#include "tests/support/spinning_children.h"
 
 #include <chrono>
 #include <csignal>
@@ -16,50 +17,11 @@ namespace loadwarden {
 namespace {
 
 using namespace fixtures;
+using support::settlesAt;
+using support::stateOf;
+using Children = support::SpinningChildren;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-// Children that spin until killed; reaped on the way out.
-class Children {
-public:
-    explicit Children(int count) {
-        for (int i = 0; i < count; ++i) {
-            const pid_t pid = fork();
-            if (pid == 0) {
-                while (true) {
-                }
-            }
-            pids.push_back(pid);
-        }
-    }
-    ~Children() {
-        for (const pid_t pid : pids) {
-            ::kill(pid, SIGKILL);
-            waitpid(pid, nullptr, 0);
-        }
-    }
-    Children(const Children&) = delete;
-    Children& operator=(const Children&) = delete;
-
-    std::vector<std::int32_t> pids;
-};
-
-char stateOf(pid_t pid) {
-    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
-    const std::string text((std::istreambuf_iterator<char>(stat)), {});
-    const auto close = text.rfind(')');
-    return close == std::string::npos || close + 2 >= text.size() ? '?' : text[close + 2];
-}
-
-// Waits up to two seconds for the process to reach a state.
-char settlesAt(pid_t pid, char wanted) {
-    char state = stateOf(pid);
-    for (int wait = 0; wait < 200 && state != wanted; ++wait) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        state = stateOf(pid);
-    }
-    return state;
-}
 
 bool hasEnded(pid_t pid) {
     for (int wait = 0; wait < 200; ++wait) {
@@ -71,7 +33,7 @@ bool hasEnded(pid_t pid) {
     return false;
 }
 
-ProcessGroup groupOfChildren(const std::vector<std::int32_t>& pids, GroupKind kind) {
+ProcessGroup groupOfChildren(const std::vector<pid_t>& pids, GroupKind kind) {
     std::vector<LiveProcess> members;
     for (const auto pid : pids) {
         members.push_back(process(pid, "child"));

@@ -1,0 +1,28 @@
+#include "core/model/graphs.h"
+
+namespace loadwarden {
+
+void Graphs::record(const SystemSample& sample) {
+    cpu.append(sample.cpu());
+    if (cores.size() != sample.coreUsage.size()) {
+        cores.assign(sample.coreUsage.size(), Series());
+    }
+    for (std::size_t core = 0; core < cores.size(); ++core) {
+        cores[core].append(sample.coreUsage[core]);
+    }
+    memory.append(sample.memory.usedFraction());
+    swap.append(static_cast<double>(sample.memory.swapUsed));
+    gpu.append(sample.gpu.value_or(0.0));
+    diskRead.append(sample.diskReadPerSecond);
+    diskWrite.append(sample.diskWritePerSecond);
+    netIn.append(sample.networkInPerSecond);
+    netOut.append(sample.networkOutPerSecond);
+    battery.append(sample.battery ? sample.battery->percent : 0.0);
+}
+
+void Graphs::recordLight(const SystemSample& sample) {
+    cpu.append(sample.cpu());
+    memory.append(sample.memory.usedFraction());
+}
+
+} // namespace loadwarden

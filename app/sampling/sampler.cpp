@@ -50,6 +50,14 @@ std::future<SystemSample> Sampler::quickSystemSample() {
     return executor_.submit([this] { return quickSample(); });
 }
 
+void Sampler::sample(const SamplingPlan& plan, std::function<void(Snapshot)> done) {
+    executor_.submit([this, plan, done = std::move(done)] { done(tick(plan)); });
+}
+
+void Sampler::quickSystemSample(std::function<void(SystemSample)> done) {
+    executor_.submit([this, done = std::move(done)] { done(quickSample()); });
+}
+
 Snapshot Sampler::tick(const SamplingPlan& plan) {
     const Date now = clock_();
     const Seconds interval = lastDate_ ? now - *lastDate_ : 0.0;

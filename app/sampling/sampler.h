@@ -3,6 +3,7 @@
 #include "app/foundation/clock.h"
 #include "app/foundation/serial_executor.h"
 #include "app/network/network_monitor.h"
+#include "app/sampling/sample_source.h"
 #include "app/sampling/sampler_backend.h"
 #include "app/sampling/snapshot.h"
 #include "core/measurement/sampling_plan.h"
@@ -20,7 +21,7 @@ namespace loadwarden {
 // saw, so every rate is a difference over the real elapsed time, and caches
 // what cannot change during a process's life. Its operations run one at a
 // time on its own thread; callers wait on the futures.
-class Sampler {
+class Sampler final : public SampleSource {
 public:
     static constexpr Seconds diskSpaceMaximumAge = 30.0;
 
@@ -29,7 +30,7 @@ public:
     // network: the tool behind per-process network rates; none, never measured.
     Sampler(std::unique_ptr<SamplerBackend> backend, std::unique_ptr<NetworkSource> network,
             Clock clock);
-    ~Sampler();
+    ~Sampler() override;
     Sampler(const Sampler&) = delete;
     Sampler& operator=(const Sampler&) = delete;
 
@@ -39,6 +40,9 @@ public:
     // Fresh processor and memory figures on top of the last system sample,
     // for ticks that read no processes. Nothing else changes.
     std::future<SystemSample> quickSystemSample();
+
+    void sample(const SamplingPlan& plan, std::function<void(Snapshot)> done) override;
+    void quickSystemSample(std::function<void(SystemSample)> done) override;
 
     // What the per-process network figures cover, where the tool sees less
     // than every connection; empty otherwise. Fixed for the sampler's life.

@@ -1,0 +1,345 @@
+#include "app/model/app_model.h"
+
+#include "app/foundation/local_calendar.h"
+#include "app/model/unresponsive_probe.h"
+#include "app/sampling/sampler.h"
+
+#include <QMetaObject>
+#include <QTimer>
+#include <algorithm>
+#include <unistd.h>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr Seconds historySaveInterval = 300.0;
+constexpr std::size_t keptAlerts = 50;
+
+// The loop's own wait: a coarse timer, which lets the system batch wake-ups.
+AppModel::Scheduler eventLoopScheduler(QObject* context) {
+    return [context](Seconds delay, std::function<void()> wake) {
+        QTimer::singleShot(static_cast<int>(delay * 1000.0), context, std::move(wake));
+    };
+}
+
+double energyWatts(const std::vector<LiveProcess>& processes) {
+    double watts = 0.0;
+    for (const LiveProcess& process : processes) {
+        watts += process.rates.energyWatts.value_or(0.0);
+    }
+    return watts;
+}
+
+template <typename Value, typename Signal>
+void assignIfChanged(AppModel* model, Value& field, Value value, Signal changed) {
+    if (field != value) {
+        field = std::move(value);
+        emit(model->*changed)();
+    }
+}
+
+} // namespace
+
+AppModel::Parts AppModel::machineParts() {
+    return Parts{
+        .sampler = std::make_unique<Sampler>(),
+        .controller = std::make_unique<ProcessController>(SharedLedger(DefaultsStore()),
+                                                          systemApplications(), getpid()),
+        .notifier = makeSystemNotifier(),
+        .settings = SettingsStore(),
+        .historyFile = HistoryFile(),
+        .clock = currentDate,
+        .calendar = localCalendar(),
+        .myPID = getpid(),
+        .scheduler = {},
+        .interval = std::nullopt,
+    };
+}
+
+AppModel::AppModel(Parts parts, QObject* parent)
+    : QObject(parent), sampler_(std::move(parts.sampler)), controller_(std::move(parts.controller)),
+      notifier_(std::move(parts.notifier)), settingsStore_(std::move(parts.settings)),
+      historyFile_(std::move(parts.historyFile)), clock_(std::move(parts.clock)),
+      calendar_(std::move(parts.calendar)),
+      scheduler_(parts.scheduler ? std::move(parts.scheduler) : eventLoopScheduler(this)),
+      myPID_(parts.myPID), intervalOverride_(parts.interval), settings_(settingsStore_.load()) {
+    alertEngine_.settings = settings_.alerts;
+    const Date now = clock_();
+    history_ = historyFile_.load(now, calendar_);
+    lastHistorySave_ = now;
+}
+
+AppModel::~AppModel() {
+    running_ = false;
+    // Its thread finishes first, so no result arrives for a model half gone.
+    sampler_.reset();
+}
+
+void AppModel::start() {
+    running_ = true;
+    restartLoop();
+}
+
+void AppModel::prepareToQuit() {
+    running_ = false;
+    ++generation_;
+    controller_->resumeEverything();
+    saveHistory();
+}
+
+SamplingPlan AppModel::plan() const {
+    return SamplingPlan{
+        .windowVisible = windowVisible_, .networkShown = networkShown_,
+                        .interval = intervalOverride_.value_or(settings_.interval)};
+}
+
+// A pass now, or as soon as the one in flight has been applied.
+void AppModel::restartLoop() {
+    if (!running_) {
+        return;
+    }
+    ++generation_;
+    if (!inFlight_) {
+        pass(generation_);
+    }
+}
+
+void AppModel::pass(std::uint64_t generation) {
+    if (!running_ || generation != generation_) {
+        return;
+    }
+    const SamplingPlan current = plan();
+    const Date now = clock_();
+    inFlight_ = true;
+    if (current.isFullSampleDue(lastSample_, now)) {
+        sampler_->sample(current, [this, now](Snapshot snapshot) {
+            auto result = std::make_shared<Snapshot>(std::move(snapshot));
+            QMetaObject::invokeMethod(
+                this,
+                [this, now, result] {
+                    inFlight_ = false;
+                    lastSample_ = now;
+                    applySnapshot(*result);
+                    scheduleNextPass();
+                },
+                Qt::QueuedConnection);
+        });
+    } else {
+        sampler_->quickSystemSample([this](SystemSample sample) {
+            auto result = std::make_shared<SystemSample>(std::move(sample));
+            QMetaObject::invokeMethod(
+                this,
+                [this, result] {
+                    inFlight_ = false;
+                    applyLight(*result);
+                    scheduleNextPass();
+                },
+                Qt::QueuedConnection);
+        });
+    }
+}
+
+void AppModel::scheduleNextPass() {
+    if (!running_) {
+        return;
+    }
+    const std::uint64_t generation = generation_;
+    scheduler_(plan().tickInterval(), [this, generation] { pass(generation); });
+}
+
+void AppModel::applySnapshot(const Snapshot& snapshot) {
+    lastGrouped_ = ProcessGrouper::group(snapshot.processes,
+                                         runningApps_.names(snapshot.processes), myPID_);
+    liveGraphs_.record(snapshot.system);
+    liveGraphs_.energy.append(energyWatts(snapshot.processes));
+    controller_->updateLimits(lastGrouped_);
+
+    LiveState state{.processes = snapshot.processes,
+                    .groups = lastGrouped_,
+                    .system = snapshot.system,
+                    .hasNetwork = snapshot.hasNetwork,
+                    .notResponding = unresponsiveKeys()};
+    const std::set<std::string> stuck = state.notResponding;
+    if (windowVisible_) {
+        publish(std::move(state));
+    } else {
+        unpublished_ = std::move(state);
+    }
+    updateMenuBar(snapshot.system);
+    recordHistory(snapshot);
+    if (clock_() - lastHistorySave_ > historySaveInterval) {
+        saveHistory();
+    }
+    raiseAlerts(stuck, snapshot.date);
+    ++sampleCount_;
+    emit ticked();
+}
+
+void AppModel::applyLight(const SystemSample& sample) {
+    liveGraphs_.recordLight(sample);
+    if (unpublished_) {
+        unpublished_->system = sample;
+    } else {
+        assignIfChanged(this, system_, sample, &AppModel::systemChanged);
+    }
+    updateMenuBar(sample);
+    emit ticked();
+}
+
+void AppModel::publish(LiveState state) {
+    assignIfChanged(this, processes_, std::move(state.processes), &AppModel::processesChanged);
+    assignIfChanged(this, groups_, std::move(state.groups), &AppModel::groupsChanged);
+    assignIfChanged(this, system_, std::move(state.system), &AppModel::systemChanged);
+    assignIfChanged(this, hasNetwork_, state.hasNetwork, &AppModel::hasNetworkChanged);
+    assignIfChanged(this, notResponding_, std::move(state.notResponding),
+                    &AppModel::notRespondingChanged);
+    graphs_ = liveGraphs_;
+    emit graphsChanged();
+    unpublished_.reset();
+}
+
+void AppModel::updateMenuBar(const SystemSample& sample) {
+    const bool busy = !hotGroupKeys(lastGrouped_, settings_.alerts.hotPercent).empty();
+    assignIfChanged(this, menuBar_, MenuBarState::compute(sample, lastGrouped_, busy),
+                    &AppModel::menuBarChanged);
+}
+
+void AppModel::recordHistory(const Snapshot& snapshot) {
+    history_.record(usageSamples(lastGrouped_, myPID_), snapshot.date, calendar_,
+                    snapshot.interval);
+    // The tab is redrawn only while somebody can see it.
+    if (windowVisible_) {
+        emit historyChanged();
+    }
+}
+
+void AppModel::saveHistory() {
+    static const QString failure = QStringLiteral("App history couldn’t be saved: ");
+    const Date now = clock_();
+    lastHistorySave_ = now;
+    history_.prune(now, UsageHistory::keptDays, calendar_);
+    if (const auto error = historyFile_.save(history_)) {
+        setProblem(failure + QString::fromStdString(*error));
+    } else if (problem_.startsWith(failure)) {
+        clearProblem();
+    }
+}
+
+// The apps' leaders are the ones the window server can judge.
+std::set<std::string> AppModel::unresponsiveKeys() const {
+    std::vector<std::int32_t> leaders;
+    for (const ProcessGroup& group : lastGrouped_) {
+        if (group.kind == GroupKind::app) {
+            leaders.push_back(group.leader.record.pid);
+        }
+    }
+    const std::set<std::int32_t> stuck = unresponsivePids(leaders);
+    std::set<std::string> keys;
+    for (const ProcessGroup& group : lastGrouped_) {
+        if (group.kind == GroupKind::app && stuck.contains(group.leader.record.pid)) {
+            keys.insert(group.id);
+        }
+    }
+    return keys;
+}
+
+void AppModel::raiseAlerts(const std::set<std::string>& stuck, Date now) {
+    std::vector<AlertEngine::App> apps;
+    apps.reserve(lastGrouped_.size());
+    for (const ProcessGroup& group : lastGrouped_) {
+        apps.push_back({group.id, group.name, group.totalCPU(), group.totalMemory()});
+    }
+    const std::vector<AppAlert> raised = alertEngine_.update(apps, stuck, now);
+    if (raised.empty()) {
+        return;
+    }
+    for (const AppAlert& alert : raised) {
+        notifier_->post(alert);
+    }
+    recentAlerts_.insert(recentAlerts_.end(), raised.begin(), raised.end());
+    if (recentAlerts_.size() > keptAlerts) {
+        recentAlerts_.erase(recentAlerts_.begin(),
+                            recentAlerts_.end() - static_cast<std::ptrdiff_t>(keptAlerts));
+    }
+    emit recentAlertsChanged();
+}
+
+std::vector<AppAlert> AppModel::banners() const {
+    return BannerRule::visible(recentAlerts_, hotGroupKeys(groups_, settings_.alerts.hotPercent),
+                               clock_());
+}
+
+void AppModel::setWindowVisible(bool visible) {
+    if (windowVisible_ == visible) {
+        return;
+    }
+    windowVisible_ = visible;
+    emit windowVisibleChanged();
+    if (visible) {
+        if (unpublished_) {
+            publish(std::move(*unpublished_));
+        }
+        emit historyChanged();
+        // The visible cadence starts now rather than after a hidden pause.
+        restartLoop();
+    }
+}
+
+void AppModel::setNetworkShown(bool shown) {
+    networkShown_ = shown;
+}
+
+void AppModel::setSettings(const AppSettings& settings) {
+    if (settings == settings_) {
+        return;
+    }
+    const bool intervalChanged = settings.interval != settings_.interval;
+    settings_ = settings;
+    if (!settingsStore_.save(settings_)) {
+        setProblem(QStringLiteral("Settings couldn’t be saved."));
+    }
+    alertEngine_.settings = settings_.alerts;
+    emit settingsChanged();
+    if (intervalChanged) {
+        restartLoop();
+    }
+}
+
+void AppModel::setProblem(const QString& problem) {
+    if (problem_ != problem) {
+        problem_ = problem;
+        emit problemChanged();
+    }
+}
+
+void AppModel::clearProblem() {
+    setProblem({});
+}
+
+void AppModel::setHistoryDays(int days) {
+    if (days > 0 && days != historyDays_) {
+        historyDays_ = days;
+        emit historyDaysChanged();
+    }
+}
+
+std::vector<AppUsage> AppModel::historySummary() const {
+    return history_.summary(historyDays_, clock_(), calendar_);
+}
+
+void AppModel::deleteHistory() {
+    history_ = UsageHistory{};
+    saveHistory();
+    emit historyChanged();
+}
+
+SystemPicture AppModel::picture() const {
+    const SystemSample& latest = unpublished_ ? unpublished_->system : system_;
+    const std::set<std::string>& stuck =
+        unpublished_ ? unpublished_->notResponding : notResponding_;
+    // Startup items are not listed yet, so none counts as heavy.
+    return Diagnosis::picture(latest, lastGrouped_, stuck, alertEngine_, 0);
+}
+
+} // namespace loadwarden

@@ -1,0 +1,200 @@
+#pragma once
+
+#include "app/alerts/notifier.h"
+#include "app/control/process_controller.h"
+#include "app/foundation/clock.h"
+#include "app/grouping/running_apps.h"
+#include "app/history/history_file.h"
+#include "app/model/settings_store.h"
+#include "app/sampling/sample_source.h"
+#include "core/diagnosis/alert_engine.h"
+#include "core/diagnosis/diagnosis.h"
+#include "core/foundation/calendar.h"
+#include "core/history/usage_history.h"
+#include "core/model/app_settings.h"
+#include "core/model/graphs.h"
+#include "core/model/menu_bar_state.h"
+
+#include <QObject>
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace loadwarden {
+
+// The one observable object behind the window, the menu bar meter and the
+// command line's watch. It runs the refresh loop on the thread that made it
+// (the main thread): the sampler works on its own thread and the model
+// applies each result when it arrives, so the event loop never waits on the
+// machine. While the window is hidden it samples less, and keeps what it
+// sampled unpublished so that nobody redraws views nobody sees.
+class AppModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool windowVisible READ windowVisible WRITE setWindowVisible NOTIFY
+                   windowVisibleChanged)
+    Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
+    Q_PROPERTY(int historyDays READ historyDays WRITE setHistoryDays NOTIFY historyDaysChanged)
+
+public:
+    // How the loop waits: calls `wake` after `delay` unless the model is gone.
+    using Scheduler = std::function<void(Seconds delay, std::function<void()> wake)>;
+
+    // What the model is made of; the program passes the machine's own, tests
+    // their own scripted ones.
+    struct Parts {
+        std::unique_ptr<SampleSource> sampler;
+        std::unique_ptr<ProcessController> controller;
+        std::unique_ptr<Notifier> notifier;
+        SettingsStore settings;
+        HistoryFile historyFile;
+        Clock clock;
+        Calendar calendar;
+        std::int32_t myPID = 0;
+        Scheduler scheduler; // none: a timer on the event loop
+        // This run's refresh interval in place of the user's setting, which stays as it is.
+        std::optional<Seconds> interval;
+    };
+
+    // This program on this machine.
+    static Parts machineParts();
+
+    explicit AppModel(Parts parts, QObject* parent = nullptr);
+    ~AppModel() override;
+
+    // Starts the refresh loop; its first tick samples at once.
+    void start();
+    // The order of a clean quit: the loop stops, everything this copy paused
+    // or limited runs again, and the history is saved.
+    void prepareToQuit();
+
+    // One tick's worth of sampler output made into published state, in the
+    // loop's order. The loop calls it; benchmarks call it directly.
+    void applySnapshot(const Snapshot& snapshot);
+
+    bool windowVisible() const { return windowVisible_; }
+    void setWindowVisible(bool visible);
+    // Whether a view shows per-process network figures, which are then measured more often.
+    void setNetworkShown(bool shown);
+
+    const AppSettings& settings() const { return settings_; }
+    // Saved at once, then applied: interval, alert rules; the shell follows
+    // settingsChanged for the meter and the hot key.
+    void setSettings(const AppSettings& settings);
+
+    const MenuBarState& menuBar() const { return menuBar_; }
+    QString problem() const { return problem_; }
+    void clearProblem();
+
+    const std::vector<LiveProcess>& processes() const { return processes_; }
+    const std::vector<ProcessGroup>& groups() const { return groups_; }
+    const SystemSample& system() const { return system_; }
+    const Graphs& graphs() const { return graphs_; }
+    bool hasNetwork() const { return hasNetwork_; }
+    const std::set<std::string>& notResponding() const { return notResponding_; }
+    const std::vector<AppAlert>& recentAlerts() const { return recentAlerts_; }
+    // The recent alerts to show as banners now.
+    std::vector<AppAlert> banners() const;
+
+    const UsageHistory& history() const { return history_; }
+    int historyDays() const { return historyDays_; }
+    void setHistoryDays(int days);
+    // What the App history tab lists for the chosen days, busiest first.
+    std::vector<AppUsage> historySummary() const;
+    // Empties the history and saves it at once.
+    void deleteHistory();
+
+    // What slows the computer down as of the last tick, with the leaks and
+    // unresponsive apps only a running model knows.
+    SystemPicture picture() const;
+
+    ProcessController& controller() { return *controller_; }
+    std::int32_t myPID() const { return myPID_; }
+    int sampleCount() const { return sampleCount_; }
+
+signals:
+    void windowVisibleChanged();
+    void settingsChanged();
+    void menuBarChanged();
+    void problemChanged();
+    void processesChanged();
+    void groupsChanged();
+    void systemChanged();
+    void graphsChanged();
+    void hasNetworkChanged();
+    void notRespondingChanged();
+    void recentAlertsChanged();
+    void historyChanged();
+    void historyDaysChanged();
+    // After every tick, published or not.
+    void ticked();
+
+private:
+    // One tick's worth of what the views show.
+    struct LiveState {
+        std::vector<LiveProcess> processes;
+        std::vector<ProcessGroup> groups;
+        SystemSample system;
+        bool hasNetwork = false;
+        std::set<std::string> notResponding;
+    };
+
+    SamplingPlan plan() const;
+    void pass(std::uint64_t generation);
+    void scheduleNextPass();
+    void restartLoop();
+    void applyLight(const SystemSample& sample);
+    void publish(LiveState state);
+    void updateMenuBar(const SystemSample& sample);
+    void recordHistory(const Snapshot& snapshot);
+    void saveHistory();
+    void raiseAlerts(const std::set<std::string>& stuck, Date now);
+    std::set<std::string> unresponsiveKeys() const;
+    void setProblem(const QString& problem);
+
+    std::unique_ptr<SampleSource> sampler_;
+    std::unique_ptr<ProcessController> controller_;
+    std::unique_ptr<Notifier> notifier_;
+    SettingsStore settingsStore_;
+    HistoryFile historyFile_;
+    Clock clock_;
+    Calendar calendar_;
+    Scheduler scheduler_;
+    const std::int32_t myPID_;
+    const std::optional<Seconds> intervalOverride_;
+    RunningApps runningApps_;
+    AlertEngine alertEngine_;
+
+    // The loop: a pass whose generation is stale was overtaken by a restart.
+    std::uint64_t generation_ = 0;
+    bool running_ = false;
+    bool inFlight_ = false;
+    std::optional<Date> lastSample_;
+    Date lastHistorySave_ = 0.0;
+
+    bool windowVisible_ = false;
+    bool networkShown_ = true;
+    std::optional<LiveState> unpublished_;
+    Graphs liveGraphs_;
+    int sampleCount_ = 0;
+    std::vector<ProcessGroup> lastGrouped_;
+
+    AppSettings settings_;
+    MenuBarState menuBar_;
+    QString problem_;
+    std::vector<LiveProcess> processes_;
+    std::vector<ProcessGroup> groups_;
+    SystemSample system_;
+    Graphs graphs_;
+    bool hasNetwork_ = false;
+    std::set<std::string> notResponding_;
+    std::vector<AppAlert> recentAlerts_;
+    UsageHistory history_;
+    int historyDays_ = 1;
+};
+
+} // namespace loadwarden

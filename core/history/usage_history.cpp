@@ -1,0 +1,146 @@
+#include "core/history/usage_history.h"
+
+#include "core/foundation/json_support.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+namespace loadwarden {
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(UsageTotals, cpuSeconds, peakMemory, energyJoules,
+                                   networkBytes, seenSeconds)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AppUsage, key, name, totals)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(UsageHistory, version, days)
+
+namespace {
+
+AppSample sampleOf(const ProcessGroup& group) {
+    return {.key = historyKey(group),
+            .name = group.name,
+            .cpuPercent = group.totalCPU(),
+            .memoryBytes = group.totalMemory(),
+            .energyWatts = group.totalEnergy(),
+            .networkPerSecond = group.totalNetwork()};
+}
+
+void merge(UsageTotals& into, const UsageTotals& more) {
+    into.cpuSeconds += more.cpuSeconds;
+    into.peakMemory = std::max(into.peakMemory, more.peakMemory);
+    into.energyJoules += more.energyJoules;
+    into.networkBytes += more.networkBytes;
+    into.seenSeconds += more.seenSeconds;
+}
+
+} // namespace
+
+void UsageHistory::record(const std::vector<AppSample>& samples, Date date,
+                          const Calendar& calendar, Seconds interval) {
+    if (!(interval > 0.0 && interval < longestInterval)) {
+        return;
+    }
+    auto& day = days[calendar.dayKey(date)];
+    for (const AppSample& sample : samples) {
+        AppUsage& usage = day[sample.key];
+        usage.key = sample.key;
+        usage.name = sample.name;
+        UsageTotals& totals = usage.totals;
+        totals.cpuSeconds += interval * sample.cpuPercent / 100.0;
+        totals.peakMemory = std::max(totals.peakMemory, sample.memoryBytes);
+        totals.energyJoules += interval * sample.energyWatts.value_or(0.0);
+        totals.networkBytes += interval * sample.networkPerSecond.value_or(0.0);
+        totals.seenSeconds += interval;
+    }
+}
+
+void UsageHistory::prune(Date now, int keep, const Calendar& calendar) {
+    const std::string oldestKept = calendar.dayKey(now, 1 - keep);
+    days.erase(days.begin(), days.lower_bound(oldestKept));
+}
+
+std::vector<AppUsage> UsageHistory::summary(int dayCount, Date now,
+                                            const Calendar& calendar) const {
+    std::map<std::string, AppUsage> merged;
+    // From today back, so an app keeps the name it had most recently.
+    for (int back = 0; back < dayCount; ++back) {
+        const auto day = days.find(calendar.dayKey(now, -back));
+        if (day == days.end()) {
+            continue;
+        }
+        for (const auto& [key, usage] : day->second) {
+            const auto [entry, isNew] = merged.try_emplace(key, usage);
+            if (!isNew) {
+                merge(entry->second.totals, usage.totals);
+            }
+        }
+    }
+    std::vector<AppUsage> apps;
+    apps.reserve(merged.size());
+    for (auto& [key, usage] : merged) {
+        apps.push_back(std::move(usage));
+    }
+    std::ranges::sort(apps, [](const AppUsage& a, const AppUsage& b) {
+        if (a.totals.cpuSeconds != b.totals.cpuSeconds) {
+            return a.totals.cpuSeconds > b.totals.cpuSeconds;
+        }
+        return a.name < b.name;
+    });
+    return apps;
+}
+
+std::string historyKey(const ProcessGroup& group) {
+    if (!group.id.starts_with("pid:")) {
+        return group.id;
+    }
+    const ProcessRecord& leader = group.leader.record;
+    return "exe:" + (leader.path.empty() ? leader.name : leader.path);
+}
+
+std::vector<AppSample> usageSamples(const std::vector<ProcessGroup>& groups, std::int32_t ownPID) {
+    std::vector<AppSample> samples;
+    samples.reserve(groups.size());
+    for (const ProcessGroup& group : groups) {
+        if (!group.isSelf) {
+            samples.push_back(sampleOf(group));
+            continue;
+        }
+        ProcessGroup others = group;
+        std::erase_if(others.members,
+                      [ownPID](const LiveProcess& member) { return member.record.pid == ownPID; });
+        if (!others.members.empty()) {
+            samples.push_back(sampleOf(others));
+        }
+    }
+    return samples;
+}
+
+std::optional<std::string> usageFolder(const AppUsage& usage, std::string_view home) {
+    if (!usage.key.starts_with("exe:/")) {
+        return std::nullopt;
+    }
+    std::string_view path(usage.key);
+    path.remove_prefix(std::string_view("exe:").size());
+    std::string_view folder = path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
+    if (!home.empty() && folder.starts_with(home) &&
+        (folder.size() == home.size() || folder[home.size()] == '/')) {
+        return "~" + std::string(folder.substr(home.size()));
+    }
+    return std::string(folder);
+}
+
+std::string encodeHistory(const UsageHistory& history) {
+    return nlohmann::json(history).dump();
+}
+
+std::optional<UsageHistory> decodeHistory(std::string_view text) {
+    try {
+        auto history = nlohmann::json::parse(text).get<UsageHistory>();
+        if (history.version >= 2) {
+            return std::nullopt;
+        }
+        return history;
+    } catch (const nlohmann::json::exception&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace loadwarden

@@ -1,0 +1,268 @@
+#include "app/alerts/linux/freedesktop_notifier.h"
+#include "app/control/applications.h"
+#include "app/model/app_model.h"
+#include "core/diagnosis/alert_text.h"
+#include "tests/support/event_loop.h"
+#include "tests/support/notification_server.h"
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr Date start = 1'800'000'000.0;
+
+// Hands out what the test scripts: each full sample carries the processes
+// and cores set at that moment, dated by the test's clock.
+class ScriptedSampler final : public SampleSource {
+public:
+    explicit ScriptedSampler(const Date& clock) : clock_(clock) {}
+
+    void sample(const SamplingPlan& plan, std::function<void(Snapshot)> done) override {
+        plans.push_back(plan);
+        Snapshot snapshot{.date = clock_,
+                          .interval = last_ ? clock_ - *last_ : 0.0,
+                          .processes = processes,
+                          .system = system(),
+                          .hasNetwork = false};
+        last_ = clock_;
+        done(std::move(snapshot));
+    }
+
+    void quickSystemSample(std::function<void(SystemSample)> done) override {
+        ++quickSamples;
+        done(system());
+    }
+
+    std::vector<LiveProcess> processes;
+    std::vector<double> cores{0.25, 0.25};
+    std::vector<SamplingPlan> plans;
+    int quickSamples = 0;
+
+private:
+    SystemSample system() const {
+        SystemSample sample;
+        sample.coreUsage = cores;
+        return sample;
+    }
+
+    const Date& clock_;
+    std::optional<Date> last_;
+};
+
+LiveProcess busyProcess(std::int32_t pid, std::string name, double cpuPercent) {
+    return {.record = {.pid = pid,
+                       .ppid = 1,
+                       .responsiblePID = pid,
+                       .name = std::move(name),
+                       .path = "/opt/tools/busy",
+                       .isOwn = true,
+                       .state = RunState::running},
+            .rates = {.cpuPercent = cpuPercent}};
+}
+
+class AppModelTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() { support::ensureApplication(); }
+
+    void SetUp() override {
+        ASSERT_TRUE(folder.isValid());
+        historyPath = folder.filePath("data/history.json").toStdString();
+        make();
+    }
+
+    void make(std::optional<std::string> history = std::nullopt) {
+        model.reset();
+        auto scripted = std::make_unique<ScriptedSampler>(now);
+        sampler = scripted.get();
+        const DefaultsStore defaults(folder.filePath("defaults.conf").toStdString());
+        model = std::make_unique<AppModel>(AppModel::Parts{
+            .sampler = std::move(scripted),
+            .controller = std::make_unique<ProcessController>(
+                SharedLedger(defaults), systemApplications(), getpid()),
+            .notifier = std::make_unique<FreedesktopNotifier>(), // on the test's own bus
+            .settings = SettingsStore(defaults),
+            .historyFile = HistoryFile(history.value_or(historyPath)),
+            .clock = [this] { return now; },
+            .calendar = Calendar::fixedOffset(0),
+            .myPID = getpid(),
+            .scheduler = [this](Seconds delay, std::function<void()> wake) {
+                delays.push_back(delay);
+                pendingDelay = delay;
+                pendingWake = std::move(wake);
+            },
+            .interval = std::nullopt});
+    }
+
+    // Results arrive through the event loop, as from the sampler's thread.
+    static void deliver() { QCoreApplication::processEvents(); }
+
+    void startModel() {
+        model->start();
+        deliver();
+    }
+
+    // Sleeps as long as the loop asked, then lets it run one pass.
+    void nextPass() {
+        ASSERT_TRUE(pendingWake) << "the loop is not waiting";
+        now += pendingDelay;
+        std::exchange(pendingWake, {})();
+        deliver();
+    }
+
+    void passFor(Seconds span) {
+        const Date end = now + span;
+        while (now < end) {
+            nextPass();
+        }
+    }
+
+    QTemporaryDir folder;
+    std::string historyPath;
+    Date now = start;
+    ScriptedSampler* sampler = nullptr;
+    std::vector<Seconds> delays;
+    Seconds pendingDelay = 0.0;
+    std::function<void()> pendingWake;
+    std::unique_ptr<AppModel> model;
+};
+
+TEST_F(AppModelTest, VisibleTicksFollowTheIntervalAndHiddenOnesSampleProcessesRarely) {
+    model->setWindowVisible(true);
+    startModel();
+    nextPass();
+    EXPECT_EQ(delays, (std::vector<Seconds>{2.0, 2.0}));
+    EXPECT_EQ(sampler->plans.size(), 2u);
+
+    AppSettings fast = model->settings();
+    fast.interval = 0.5;
+    model->setSettings(fast);
+    deliver();
+    EXPECT_EQ(delays.back(), 1.0); // never faster than a second
+
+    fast.interval = 2.0;
+    model->setSettings(fast);
+    deliver();
+    model->setWindowVisible(false);
+    delays.clear();
+    sampler->plans.clear();
+    passFor(60.0);
+    EXPECT_EQ(delays, std::vector<Seconds>(delays.size(), 5.0));
+    // Processes every 15 seconds; the passes between read only the system figures.
+    EXPECT_EQ(sampler->plans.size(), 4u);
+    EXPECT_EQ(sampler->quickSamples, 9);
+    for (const SamplingPlan& plan : sampler->plans) {
+        EXPECT_FALSE(plan.windowVisible);
+    }
+}
+
+TEST_F(AppModelTest, WhatIsSampledWhileHiddenIsShownTheMomentTheWindowAppears) {
+    sampler->processes = {busyProcess(4100, "encoder", 20.0)};
+    startModel();
+    QSignalSpy groupsChanged(model.get(), &AppModel::groupsChanged);
+    sampler->processes = {busyProcess(4100, "encoder", 20.0), busyProcess(4200, "indexer", 5.0)};
+    sampler->cores = {0.5, 0.5, 0.5, 0.5};
+    passFor(15.0);
+    EXPECT_EQ(groupsChanged.count(), 0);
+    EXPECT_TRUE(model->groups().empty());
+
+    // The menu bar follows even while hidden, light ticks included.
+    sampler->cores = {1.0, 1.0, 1.0, 1.0};
+    nextPass();
+    EXPECT_EQ(model->menuBar().text, "100%");
+
+    const std::size_t passesBefore = sampler->plans.size();
+    model->setWindowVisible(true);
+    EXPECT_EQ(groupsChanged.count(), 1);
+    EXPECT_EQ(model->groups().size(), 2u);
+    EXPECT_EQ(model->system().coreUsage, sampler->cores); // the light tick's figures
+    // Four cores now: the per-core graphs started afresh.
+    ASSERT_EQ(model->graphs().cores.size(), 4u);
+    EXPECT_EQ(model->graphs().cores[0].values().size(), 1u);
+    deliver();
+    EXPECT_EQ(sampler->plans.size(), passesBefore + 1); // and a visible tick at once
+}
+
+TEST_F(AppModelTest, TheMeterNamesAnAppFromHalfACore) {
+    model->setWindowVisible(true);
+    sampler->processes = {busyProcess(4100, "encoder", 49.9)};
+    startModel();
+    EXPECT_EQ(model->menuBar().text, "25%");
+    QSignalSpy meterChanged(model.get(), &AppModel::menuBarChanged);
+    sampler->processes = {busyProcess(4100, "encoder", 50.0)};
+    nextPass();
+    nextPass();
+    EXPECT_EQ(model->menuBar().text, "25% · encoder");
+    EXPECT_EQ(meterChanged.count(), 1); // unchanged text is not published again
+}
+
+TEST_F(AppModelTest, HistoryIsSavedAtMostEveryFiveMinutesAndAtQuit) {
+    model->setWindowVisible(true);
+    sampler->processes = {busyProcess(4100, "encoder", 100.0)};
+    startModel();
+    passFor(300.0);
+    EXPECT_FALSE(std::filesystem::exists(historyPath));
+    passFor(4.0);
+    ASSERT_TRUE(std::filesystem::exists(historyPath));
+    std::filesystem::remove(historyPath);
+    passFor(290.0);
+    EXPECT_FALSE(std::filesystem::exists(historyPath));
+
+    model->prepareToQuit();
+    ASSERT_TRUE(std::filesystem::exists(historyPath));
+    make();
+    const auto summary = model->historySummary();
+    ASSERT_EQ(summary.size(), 1u);
+    EXPECT_EQ(summary[0].key, "exe:/opt/tools/busy");
+    EXPECT_NEAR(summary[0].totals.cpuSeconds, 594.0, 1e-6); // every tick but the first
+}
+
+TEST_F(AppModelTest, AFailedSaveBecomesTheProblemAndKeepsTheHistory) {
+    make("/dev/null/history.json");
+    model->setWindowVisible(true);
+    sampler->processes = {busyProcess(4100, "encoder", 100.0)};
+    startModel();
+    passFor(302.0);
+    EXPECT_TRUE(model->problem().startsWith("App history couldn’t be saved: "))
+        << model->problem().toStdString();
+    ASSERT_EQ(model->historySummary().size(), 1u);
+    EXPECT_NEAR(model->historySummary()[0].totals.cpuSeconds, 302.0, 1e-6);
+}
+
+TEST_F(AppModelTest, SettingsAreSavedWholeAtOnceAndRuleTheAlertsPostedOncePerCooldown) {
+    support::NotificationServer server;
+    ASSERT_TRUE(server.isRegistered());
+    AppSettings settings = model->settings();
+    settings.alerts.hotMinutes = 1;
+    settings.alerts.repeatMinutes = 2;
+    model->setSettings(settings);
+    EXPECT_EQ(SettingsStore(DefaultsStore(folder.filePath("defaults.conf").toStdString())).load(),
+              settings);
+
+    model->setWindowVisible(true);
+    sampler->processes = {busyProcess(4100, "encoder", 90.0), busyProcess(4200, "idle", 1.0)};
+    startModel();
+    passFor(57.0);
+    EXPECT_TRUE(model->recentAlerts().empty());
+    passFor(301.0);
+    // Hot from the first tick: alerted at one minute, then once per two-minute cooldown.
+    const auto& alerts = model->recentAlerts();
+    ASSERT_EQ(alerts.size(), 3u);
+    EXPECT_EQ(alerts[0].kind, AlertKind::runningHot);
+    EXPECT_EQ(alerts[0].date, start + 60.0);
+    EXPECT_EQ(alerts[1].date, start + 180.0);
+    EXPECT_TRUE(model->menuBar().busy);
+
+    ASSERT_TRUE(support::processEventsUntil([&] { return server.received.size() == 3; }));
+    EXPECT_EQ(server.received[0].summary, "encoder is running hot");
+    EXPECT_EQ(server.received[2].body.toStdString(), AlertText::notificationBody(alerts[2]));
+}
+
+} // namespace
+} // namespace loadwarden

@@ -40,6 +40,10 @@ QuitSignals::QuitSignals() {
     }
 }
 
+int QuitSignals::descriptor() const {
+    return pipeEnds[0];
+}
+
 bool QuitSignals::wait(Seconds seconds) {
     pollfd watched{.fd = pipeEnds[0], .events = POLLIN, .revents = 0};
     const int milliseconds = static_cast<int>(std::clamp(seconds, 0.0, 3600.0) * 1000.0);

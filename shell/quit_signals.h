@@ -15,6 +15,9 @@ public:
 
     // Waits up to `seconds` for one of the signals; true when one came.
     bool wait(Seconds seconds);
+    // Readable once one of the signals came, for an event loop to watch; -1
+    // when they could not be caught.
+    int descriptor() const;
 };
 
 } // namespace loadwarden

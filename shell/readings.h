@@ -3,9 +3,9 @@
 #include "app/sampling/snapshot.h"
 #include "core/foundation/date.h"
 
-namespace loadwarden {
-
 #include <string>
+
+namespace loadwarden {
 
 struct Readings {
     Snapshot last;

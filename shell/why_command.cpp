@@ -1,31 +1,25 @@
-#include "app/grouping/running_apps.h"
 #include "core/control/process_policy.h"
 #include "core/diagnosis/diagnosis.h"
 #include "shell/command_line.h"
 #include "shell/commands.h"
-#include "shell/readings.h"
+#include "shell/model_session.h"
 #include "shell/why_options.h"
 #include "shell/why_report.h"
 
 #include <ostream>
-#include <unistd.h>
 
 namespace loadwarden {
 
 namespace {
 
 constexpr std::size_t busiestCount = 5;
+constexpr int ticksForRates = 2;
 
-WhyReport diagnose(const Snapshot& snapshot, std::size_t maxCount) {
-    RunningApps runningApps;
-    const auto groups =
-        ProcessGrouper::group(snapshot.processes, runningApps.names(snapshot.processes), getpid());
-    // One run has no memory history, so no leaks; the system reports no
-    // unresponsive apps outside the window, and startup items are not counted here.
-    const SystemPicture picture = Diagnosis::picture(snapshot.system, groups, {}, AlertEngine{}, 0);
+WhyReport diagnose(const AppModel& model, std::size_t maxCount) {
+    const SystemPicture picture = model.picture();
     WhyReport report{
         Explainer::explain(picture, maxCount), Diagnosis::busiest(picture.apps, busiestCount), {}};
-    for (const ProcessGroup& group : groups) {
+    for (const ProcessGroup& group : model.groups()) {
         if (const auto reason = ProcessPolicy::reason(group)) {
             report.readOnlyReasons.emplace(group.id, *reason);
         }
@@ -38,13 +32,24 @@ WhyReport diagnose(const Snapshot& snapshot, std::size_t maxCount) {
 int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
     return runCommand(
         "why", whyUsage, parseWhyOptions(arguments), out, err, [&out](const WhyOptions& options) {
-            const WhyReport report = diagnose(takeReadings(2, options.interval, false).last,
-                                              static_cast<std::size_t>(options.maxCount));
-            if (options.json) {
-                printWhyJSON(report, out);
-            } else {
-                printWhyReport(report, out);
+            std::optional<WhyReport> report;
+            runModelSession({.windowVisible = true, .interval = options.interval},
+                            [&](const AppModel& model) {
+                                if (model.sampleCount() < ticksForRates) {
+                                    return true;
+                                }
+                                report = diagnose(model, static_cast<std::size_t>(options.maxCount));
+                                return false;
+                            });
+            if (!report) {
+                return exitFailure; // interrupted before there was anything to say
             }
+            if (options.json) {
+                printWhyJSON(*report, out);
+            } else {
+                printWhyReport(*report, out);
+            }
+            return out ? exitSuccess : exitFailure;
         });
 }
 

@@ -1,6 +1,7 @@
 // The process commands as a user runs them: the real program, in its own
 // defaults folder, acting on real child processes.
 #include "shell/control_options.h"
+#include "tests/support/program_runs.h"
 #include "tests/support/spinning_children.h"
 
 #include <chrono>
@@ -17,30 +18,10 @@ namespace loadwarden {
 namespace {
 
 using namespace std::chrono_literals;
+using support::exitStatusOf;
 using support::settlesAt;
+using support::spawn;
 using support::stateOf;
-
-pid_t spawn(const std::vector<std::string>& arguments, const std::string& output = "/dev/null") {
-    const pid_t pid = fork();
-    if (pid == 0) {
-        std::vector<char*> argv;
-        for (const auto& argument : arguments) {
-            argv.push_back(const_cast<char*>(argument.c_str()));
-        }
-        argv.push_back(nullptr);
-        if (std::freopen(output.c_str(), "w", stdout) && std::freopen("/dev/null", "w", stderr)) {
-            execv(argv[0], argv.data());
-        }
-        _exit(127);
-    }
-    return pid;
-}
-
-int exitStatusOf(pid_t pid) {
-    int status = 0;
-    waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-}
 
 class ControlCommand : public testing::Test {
 protected:

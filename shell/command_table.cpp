@@ -21,6 +21,7 @@ const std::vector<Command>& commands() {
         {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
         {"why", "what is slowing things down, worst first, with fixes", runWhyCommand},
         {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
+        {"history", "what each app used today or over 7 or 30 days", runHistoryCommand},
         {"watch", "keep watch without a window: history, alerts, the meter", runWatchCommand},
         {"quit", "ask an app to quit, so it can save first", control<ControlVerb::quit>},
         {"end", "ask a process to stop, so it can clean up first", control<ControlVerb::end>},

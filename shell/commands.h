@@ -28,6 +28,9 @@ int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, 
 
 int runAppsCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
+int runHistoryCommand(const std::vector<std::string>& arguments, std::ostream& out,
+                      std::ostream& err);
+
 int runWatchCommand(const std::vector<std::string>& arguments, std::ostream& out,
                     std::ostream& err);
 

@@ -1,16 +1,10 @@
 #include "core/history/usage_history.h"
 
-#include "core/foundation/json_support.h"
+#include "core/history/history_json.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 namespace loadwarden {
-
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(UsageTotals, cpuSeconds, peakMemory, energyJoules,
-                                   networkBytes, seenSeconds)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AppUsage, key, name, totals)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(UsageHistory, version, days)
 
 namespace {
 
@@ -32,6 +26,30 @@ void merge(UsageTotals& into, const UsageTotals& more) {
 }
 
 } // namespace
+
+int dayCount(HistoryRange range) {
+    switch (range) {
+    case HistoryRange::today:
+        return 1;
+    case HistoryRange::week:
+        return 7;
+    case HistoryRange::month:
+        return 30;
+    }
+    return 1;
+}
+
+std::string_view title(HistoryRange range) {
+    switch (range) {
+    case HistoryRange::today:
+        return "Today";
+    case HistoryRange::week:
+        return "7 days";
+    case HistoryRange::month:
+        return "30 days";
+    }
+    return {};
+}
 
 void UsageHistory::record(const std::vector<AppSample>& samples, Date date,
                           const Calendar& calendar, Seconds interval) {

@@ -3,6 +3,7 @@
 #include "core/foundation/calendar.h"
 #include "core/foundation/date.h"
 #include "core/foundation/hashing.h"
+#include "core/foundation/raw_value.h"
 #include "core/grouping/process_group.h"
 
 #include <cstdint>
@@ -14,6 +15,22 @@
 #include <vector>
 
 namespace loadwarden {
+
+// The spans the App history tab offers, by their number of days.
+enum class HistoryRange { today, week, month };
+
+template <>
+struct RawValues<HistoryRange> {
+    static constexpr RawValueTable<HistoryRange, 3> table{{
+        {HistoryRange::today, "1"},
+        {HistoryRange::week, "7"},
+        {HistoryRange::month, "30"},
+    }};
+};
+
+int dayCount(HistoryRange range);
+// "Today", "7 days", "30 days".
+std::string_view title(HistoryRange range);
 
 // One app at one refresh.
 struct AppSample {

@@ -59,4 +59,10 @@ std::string formatWatts(double watts) {
     return formatNumber(std::isfinite(watts) && watts > 0 ? watts : 0.0) + " W";
 }
 
+std::string formatWattHours(double joules) {
+    constexpr double joulesPerWattHour = 3600.0;
+    return formatNumber(std::isfinite(joules) && joules > 0 ? joules / joulesPerWattHour : 0.0) +
+           " Wh";
+}
+
 } // namespace loadwarden

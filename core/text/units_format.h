@@ -26,4 +26,7 @@ std::string formatCount(double amount, std::string_view unit);
 // Power draw: "4.5 W", "12 W".
 std::string formatWatts(double watts);
 
+// Energy used, from joules, in the unit of a battery's capacity: "0.3 Wh", "12 Wh".
+std::string formatWattHours(double joules);
+
 } // namespace loadwarden

@@ -1,0 +1,34 @@
+#include "app/foundation/clock.h"
+#include "app/foundation/local_calendar.h"
+#include "app/history/history_file.h"
+#include "shell/command_line.h"
+#include "shell/commands.h"
+#include "shell/history_options.h"
+#include "shell/history_report.h"
+
+#include <QDir>
+#include <ostream>
+
+namespace loadwarden {
+
+int runHistoryCommand(const std::vector<std::string>& arguments, std::ostream& out,
+                      std::ostream& err) {
+    return runCommand("history", historyUsage, parseHistoryOptions(arguments), out, err,
+                      [&out](const HistoryOptions& options) {
+                          const Date now = currentDate();
+                          const Calendar calendar = localCalendar();
+                          // Only what was recorded; this program never records itself.
+                          const HistoryReport report{
+                              .range = options.range,
+                              .apps = HistoryFile().load(now, calendar).summary(
+                                  dayCount(options.range), now, calendar),
+                              .home = QDir::homePath().toStdString()};
+                          if (options.json) {
+                              printHistoryJSON(report, out);
+                          } else {
+                              printHistoryReport(report, out);
+                          }
+                      });
+}
+
+} // namespace loadwarden

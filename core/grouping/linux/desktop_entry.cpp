@@ -1,5 +1,6 @@
 #include "core/grouping/linux/desktop_entry.h"
 
+#include "core/text/key_file.h"
 #include "core/text/text_parsing.h"
 
 namespace loadwarden {
@@ -7,34 +8,6 @@ namespace loadwarden {
 namespace {
 
 constexpr std::string_view desktopSuffix = ".desktop";
-
-std::string unescaped(std::string_view value) {
-    std::string out;
-    out.reserve(value.size());
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        if (value[i] != '\\' || i + 1 == value.size()) {
-            out += value[i];
-            continue;
-        }
-        switch (value[++i]) {
-        case 's':
-            out += ' ';
-            break;
-        case 'n':
-            out += '\n';
-            break;
-        case 't':
-            out += '\t';
-            break;
-        case 'r':
-            out += '\r';
-            break;
-        default:
-            out += value[i];
-        }
-    }
-    return out;
-}
 
 // The Name[...] keys to try for a locale, best match first, ending with the
 // untranslated Name: lang_COUNTRY@MODIFIER, lang_COUNTRY, lang@MODIFIER, lang.
@@ -82,53 +55,26 @@ std::vector<std::string> nameKeys(std::string_view locale) {
 
 } // namespace
 
+std::optional<std::string> DesktopEntries::localizedName(const KeyFileGroup& entry,
+                                                         std::string_view locale) {
+    // An empty translation leaves the name to a broader one.
+    for (const std::string& key : nameKeys(locale)) {
+        if (const auto name = lastValue(entry, key); name && !name->empty()) {
+            return unescapedValue(*name);
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<DesktopEntry> DesktopEntries::parse(std::string_view text, std::string_view locale) {
-    const std::vector<std::string> wanted = nameKeys(locale);
-    std::size_t bestName = wanted.size();
-    std::optional<std::string> name;
-    bool inEntry = false;
-    bool seenEntry = false;
-    std::string_view type;
-    bool noDisplay = false;
-    bool hidden = false;
-    forEachLine(text, [&](std::string_view rawLine) {
-        const std::string_view line = trimWhitespace(rawLine);
-        if (line.empty() || line.front() == '#') {
-            return;
-        }
-        if (line.front() == '[') {
-            // Only the first [Desktop Entry] group; actions have names too.
-            inEntry = line == "[Desktop Entry]" && !seenEntry;
-            seenEntry = seenEntry || inEntry;
-            return;
-        }
-        const std::size_t equals = line.find('=');
-        if (!inEntry || equals == std::string_view::npos) {
-            return;
-        }
-        const std::string_view key = trimWhitespace(line.substr(0, equals));
-        const std::string_view value = trimWhitespace(line.substr(equals + 1));
-        if (key == "Type") {
-            type = value;
-        } else if (key == "NoDisplay") {
-            noDisplay = value == "true";
-        } else if (key == "Hidden") {
-            hidden = value == "true";
-        } else if (key.starts_with("Name") && !value.empty()) {
-            // An empty translation leaves the name to a broader one.
-            for (std::size_t rank = 0; rank < bestName; ++rank) {
-                if (key == wanted[rank]) {
-                    bestName = rank;
-                    name = unescaped(value);
-                    break;
-                }
-            }
-        }
-    });
-    if (!name || hidden) {
+    const KeyFileGroup entry = keyFileGroup(text, "Desktop Entry");
+    auto name = localizedName(entry, locale);
+    if (!name || lastValue(entry, "Hidden") == "true") {
         return std::nullopt;
     }
-    return DesktopEntry{.name = *name, .isApplication = type == "Application" && !noDisplay};
+    return DesktopEntry{.name = std::move(*name),
+                        .isApplication = lastValue(entry, "Type") == "Application" &&
+                                         lastValue(entry, "NoDisplay") != "true"};
 }
 
 std::optional<std::string> DesktopEntries::fileID(std::string_view relativePath) {

@@ -5,6 +5,7 @@
 // application. They play the part of an application bundle.
 
 #include "core/grouping/process_grouper.h"
+#include "core/text/key_file.h"
 
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ namespace DesktopEntries {
 // `locale` is the messages locale, such as "de_DE.UTF-8@euro"; an empty
 // translation counts as none.
 std::optional<DesktopEntry> parse(std::string_view text, std::string_view locale);
+
+// The entry's Name= in the best translation for `locale`.
+std::optional<std::string> localizedName(const KeyFileGroup& entry, std::string_view locale);
 
 // The id of the entry at `relativePath` under an applications folder:
 // "org/gnome/Foo.desktop" has the id "org-gnome-Foo". Absent for other files.

@@ -22,6 +22,8 @@ const std::vector<Command>& commands() {
         {"why", "what is slowing things down, worst first, with fixes", runWhyCommand},
         {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
         {"history", "what each app used today or over 7 or 30 days", runHistoryCommand},
+        {"startup", "what starts at login, and turning your own items on or off",
+         runStartupCommand},
         {"watch", "keep watch without a window: history, alerts, the meter", runWatchCommand},
         {"quit", "ask an app to quit, so it can save first", control<ControlVerb::quit>},
         {"end", "ask a process to stop, so it can clean up first", control<ControlVerb::end>},

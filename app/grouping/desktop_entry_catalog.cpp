@@ -1,40 +1,10 @@
 #include "app/grouping/desktop_entry_catalog.h"
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include "app/foundation/user_files.h"
+
 #include <system_error>
 
 namespace loadwarden {
-
-namespace {
-
-std::string_view environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-
-// The locale that messages are shown in, by the usual precedence.
-std::string messagesLocale() {
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        if (const std::string_view value = environment(name); !value.empty()) {
-            return std::string(value);
-        }
-    }
-    return {};
-}
-
-std::optional<std::string> fileText(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        return std::nullopt;
-    }
-    std::ostringstream text;
-    text << file.rdbuf();
-    return file.bad() ? std::nullopt : std::optional(text.str());
-}
-
-} // namespace
 
 DesktopEntryCatalog::DesktopEntryCatalog(std::vector<std::filesystem::path> folders,
                                          std::string locale)

@@ -209,16 +209,21 @@ std::string readOutput(int descriptor, const Watchdog& watchdog) {
     return output;
 }
 
-// The exit status is not examined: a tool that fails still yields its output.
-double reap(pid_t pid) {
+struct Ending {
+    double cpuSeconds = 0.0;
+    std::optional<int> exitCode;
+};
+
+Ending reap(pid_t pid) {
     rusage usage{};
     int status = 0;
     while (wait4(pid, &status, 0, &usage) < 0) {
         if (errno != EINTR) {
-            return 0.0;
+            return {};
         }
     }
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    return {seconds(usage.ru_utime) + seconds(usage.ru_stime),
+            WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt};
 }
 
 void setCloseOnExec(int descriptor) {
@@ -276,7 +281,9 @@ std::optional<Result> run(const std::string& path, const std::vector<std::string
         reap(pid);
         throw;
     }
-    result.cpuSeconds = reap(pid);
+    const Ending ending = reap(pid);
+    result.cpuSeconds = ending.cpuSeconds;
+    result.exitCode = ending.exitCode;
     result.seconds = secondsSince(started);
     return result;
 }

@@ -11,6 +11,8 @@ struct Result {
     double cpuSeconds = 0.0; // user plus system time of the reaped child
     double seconds = 0.0;    // wall time from just before the spawn to the reaping
     bool stopped = false;    // killed for passing its time-out or CPU cap
+    // A tool that fails still yields its output; absent when a signal ended it.
+    std::optional<int> exitCode;
 };
 
 // Runs the executable at an absolute path (no shell, no search of PATH) with

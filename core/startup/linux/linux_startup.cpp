@@ -51,6 +51,11 @@ bool meantForDesktop(const KeyFileGroup& entry, std::string_view desktops) {
     return !(notShown && anyListed(*notShown));
 }
 
+bool isSwitchedOff(const KeyFileGroup& entry) {
+    return lastValue(entry, "Hidden") == "true" ||
+           lastValue(entry, "X-GNOME-Autostart-enabled") == "false";
+}
+
 bool isUnitFile(const std::string& path) {
     return !path.ends_with(".desktop");
 }
@@ -120,9 +125,12 @@ std::optional<StartupItem> fromAutostart(std::string_view text, const std::strin
         .runAtLoad = true,
         .keepAlive = false,
         .interval = std::nullopt,
-        .disabled = lastValue(entry, "Hidden") == "true" ||
-                    lastValue(entry, "X-GNOME-Autostart-enabled") == "false",
+        .disabled = isSwitchedOff(entry),
     };
+}
+
+bool isSwitchedOff(std::string_view text) {
+    return isSwitchedOff(keyFileGroup(text, "Desktop Entry"));
 }
 
 std::string withHidden(std::string_view text, bool hidden) {

@@ -55,6 +55,10 @@ std::optional<Change> change(const StartupItem& item, bool enable,
                              const std::string& userAutostartFolder,
                              const std::optional<std::string>& userCopy);
 
+// Whether an autostart entry says it is off: Hidden=true, or GNOME's own
+// switch set to false.
+bool isSwitchedOff(std::string_view text);
+
 // The entry's text with Hidden= set, or without it, all else kept.
 std::string withHidden(std::string_view text, bool hidden);
 

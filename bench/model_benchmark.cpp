@@ -33,6 +33,7 @@ void ModelTick(benchmark::State& state) {
         .controller = std::make_unique<ProcessController>(SharedLedger(defaults),
                                                           systemApplications(), getpid()),
         .notifier = std::make_unique<SilentNotifier>(),
+        .startup = makeStartupCatalog(),
         .settings = SettingsStore(defaults),
         .historyFile = HistoryFile(folder.filePath("history.json").toStdString()),
         .clock = [&now] { return now; },

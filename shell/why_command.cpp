@@ -35,7 +35,9 @@ int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, 
             std::optional<WhyReport> report;
             runModelSession({.windowVisible = true, .interval = options.interval},
                             [&](const AppModel& model) {
-                                if (model.sampleCount() < ticksForRates) {
+                                // Heavy startup items count too, once read.
+                                if (model.sampleCount() < ticksForRates ||
+                                    !model.startupLoaded()) {
                                     return true;
                                 }
                                 report = diagnose(model, static_cast<std::size_t>(options.maxCount));

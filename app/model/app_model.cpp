@@ -47,6 +47,7 @@ AppModel::Parts AppModel::machineParts() {
         .controller = std::make_unique<ProcessController>(SharedLedger(DefaultsStore()),
                                                           systemApplications(), getpid()),
         .notifier = makeSystemNotifier(),
+        .startup = makeStartupCatalog(),
         .settings = SettingsStore(),
         .historyFile = HistoryFile(),
         .clock = currentDate,
@@ -59,7 +60,8 @@ AppModel::Parts AppModel::machineParts() {
 
 AppModel::AppModel(Parts parts, QObject* parent)
     : QObject(parent), sampler_(std::move(parts.sampler)), controller_(std::move(parts.controller)),
-      notifier_(std::move(parts.notifier)), settingsStore_(std::move(parts.settings)),
+      notifier_(std::move(parts.notifier)), startup_(std::move(parts.startup)),
+      settingsStore_(std::move(parts.settings)),
       historyFile_(std::move(parts.historyFile)), clock_(std::move(parts.clock)),
       calendar_(std::move(parts.calendar)),
       scheduler_(parts.scheduler ? std::move(parts.scheduler) : eventLoopScheduler(this)),
@@ -72,13 +74,15 @@ AppModel::AppModel(Parts parts, QObject* parent)
 
 AppModel::~AppModel() {
     running_ = false;
-    // Its thread finishes first, so no result arrives for a model half gone.
+    // Their threads finish first, so no result arrives for a model half gone.
     sampler_.reset();
+    background_.waitForDone();
 }
 
 void AppModel::start() {
     running_ = true;
     restartLoop();
+    refreshStartupItems();
 }
 
 void AppModel::prepareToQuit() {
@@ -334,12 +338,51 @@ void AppModel::deleteHistory() {
     emit historyChanged();
 }
 
+template <typename Work, typename Then>
+void AppModel::inBackground(Work work, Then then) {
+    background_.start([this, work = std::move(work), then = std::move(then)]() mutable {
+        auto result = std::make_shared<decltype(work())>(work());
+        QMetaObject::invokeMethod(
+            this, [then = std::move(then), result]() mutable { then(std::move(*result)); },
+            Qt::QueuedConnection);
+    });
+}
+
+void AppModel::refreshStartupItems() {
+    inBackground([catalog = startup_, processes = latestProcesses()] {
+        return catalog->items(processes);
+    },
+                 [this](std::vector<StartupItem> items) {
+                     startupItems_ = std::move(items);
+                     startupLoaded_ = true;
+                     emit startupItemsChanged();
+                 });
+}
+
+void AppModel::setStartupItemEnabled(const StartupItem& item, bool enabled) {
+    inBackground([catalog = startup_, item, enabled] { return catalog->setEnabled(item, enabled); },
+                 [this](std::optional<std::string> refusal) {
+                     if (refusal) {
+                         setProblem(QString::fromStdString(*refusal));
+                     }
+                     refreshStartupItems();
+                 });
+}
+
+const std::vector<LiveProcess>& AppModel::latestProcesses() const {
+    return unpublished_ ? unpublished_->processes : processes_;
+}
+
+std::vector<StartupRow> AppModel::startupRows() const {
+    return loadwarden::startupRows(startupItems_, latestProcesses());
+}
+
 SystemPicture AppModel::picture() const {
     const SystemSample& latest = unpublished_ ? unpublished_->system : system_;
     const std::set<std::string>& stuck =
         unpublished_ ? unpublished_->notResponding : notResponding_;
-    // Startup items are not listed yet, so none counts as heavy.
-    return Diagnosis::picture(latest, lastGrouped_, stuck, alertEngine_, 0);
+    return Diagnosis::picture(latest, lastGrouped_, stuck, alertEngine_,
+                              heavyStartupItems(startupRows()));
 }
 
 } // namespace loadwarden

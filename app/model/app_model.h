@@ -7,6 +7,7 @@
 #include "app/history/history_file.h"
 #include "app/model/settings_store.h"
 #include "app/sampling/sample_source.h"
+#include "app/startup/startup_catalog.h"
 #include "core/diagnosis/alert_engine.h"
 #include "core/diagnosis/diagnosis.h"
 #include "core/foundation/calendar.h"
@@ -14,9 +15,11 @@
 #include "core/model/app_settings.h"
 #include "core/model/graphs.h"
 #include "core/model/menu_bar_state.h"
+#include "core/startup/startup_rows.h"
 
 #include <QObject>
 #include <QString>
+#include <QThreadPool>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -50,6 +53,7 @@ public:
         std::unique_ptr<SampleSource> sampler;
         std::unique_ptr<ProcessController> controller;
         std::unique_ptr<Notifier> notifier;
+        std::shared_ptr<StartupCatalog> startup;
         SettingsStore settings;
         HistoryFile historyFile;
         Clock clock;
@@ -108,8 +112,17 @@ public:
     // Empties the history and saves it at once.
     void deleteHistory();
 
-    // What slows the computer down as of the last tick, with the leaks and
-    // unresponsive apps only a running model knows.
+    // Read in the background; startupItemsChanged tells when they are in.
+    void refreshStartupItems();
+    // Switched in the background, then read again; a refusal becomes the problem.
+    void setStartupItemEnabled(const StartupItem& item, bool enabled);
+    const std::vector<StartupItem>& startupItems() const { return startupItems_; }
+    bool startupLoaded() const { return startupLoaded_; }
+    // The items with their impact from what their processes use now.
+    std::vector<StartupRow> startupRows() const;
+
+    // What slows the computer down as of the last tick, with the leaks,
+    // unresponsive apps and heavy startup items only a running model knows.
     SystemPicture picture() const;
 
     ProcessController& controller() { return *controller_; }
@@ -130,6 +143,7 @@ signals:
     void recentAlertsChanged();
     void historyChanged();
     void historyDaysChanged();
+    void startupItemsChanged();
     // After every tick, published or not.
     void ticked();
 
@@ -155,10 +169,15 @@ private:
     void raiseAlerts(const std::set<std::string>& stuck, Date now);
     std::set<std::string> unresponsiveKeys() const;
     void setProblem(const QString& problem);
+    const std::vector<LiveProcess>& latestProcesses() const;
+    // Runs `work` on the model's own pool; `then` gets its result back here.
+    template <typename Work, typename Then>
+    void inBackground(Work work, Then then);
 
     std::unique_ptr<SampleSource> sampler_;
     std::unique_ptr<ProcessController> controller_;
     std::unique_ptr<Notifier> notifier_;
+    std::shared_ptr<StartupCatalog> startup_;
     SettingsStore settingsStore_;
     HistoryFile historyFile_;
     Clock clock_;
@@ -195,6 +214,9 @@ private:
     std::vector<AppAlert> recentAlerts_;
     UsageHistory history_;
     int historyDays_ = 1;
+    std::vector<StartupItem> startupItems_;
+    bool startupLoaded_ = false;
+    QThreadPool background_; // last: waited for before the rest goes
 };
 
 } // namespace loadwarden

@@ -56,6 +56,32 @@ private:
     std::optional<Date> last_;
 };
 
+// Three agents that the busy tool below runs, kept alive.
+class ScriptedStartup final : public StartupCatalog {
+public:
+    std::vector<StartupItem> items(const std::vector<LiveProcess>&) override {
+        std::vector<StartupItem> items;
+        for (const std::string label : {"a", "b", "c"}) {
+            items.push_back({.label = label, .name = label, .program = "/opt/tools/busy",
+                             .keepAlive = true, .disabled = switchedOff.contains(label)});
+        }
+        return items;
+    }
+    std::optional<std::string> setEnabled(const StartupItem& item, bool enabled) override {
+        if (item.label == "c") {
+            return "only an administrator";
+        }
+        if (enabled) {
+            switchedOff.erase(item.label);
+        } else {
+            switchedOff.insert(item.label);
+        }
+        return std::nullopt;
+    }
+
+    std::set<std::string> switchedOff;
+};
+
 LiveProcess busyProcess(std::int32_t pid, std::string name, double cpuPercent) {
     return {.record = {.pid = pid,
                        .ppid = 1,
@@ -87,6 +113,7 @@ protected:
             .controller = std::make_unique<ProcessController>(
                 SharedLedger(defaults), systemApplications(), getpid()),
             .notifier = std::make_unique<FreedesktopNotifier>(), // on the test's own bus
+            .startup = std::make_shared<ScriptedStartup>(),
             .settings = SettingsStore(defaults),
             .historyFile = HistoryFile(history.value_or(historyPath)),
             .clock = [this] { return now; },
@@ -200,6 +227,22 @@ TEST_F(AppModelTest, TheMeterNamesAnAppFromHalfACore) {
     nextPass();
     EXPECT_EQ(model->menuBar().text, "25% · encoder");
     EXPECT_EQ(meterChanged.count(), 1); // unchanged text is not published again
+}
+
+TEST_F(AppModelTest, HeavyStartupItemsReachTheExplainerAndSwitchInTheBackground) {
+    model->setWindowVisible(true);
+    sampler->processes = {busyProcess(4100, "busy", 30.0)};
+    startModel();
+    nextPass();
+    ASSERT_TRUE(support::processEventsUntil([&] { return model->startupLoaded(); }));
+    EXPECT_EQ(model->picture().heavyStartupItems, 3);
+
+    model->setStartupItemEnabled(model->startupItems()[0], false);
+    ASSERT_TRUE(support::processEventsUntil([&] { return model->startupItems()[0].disabled; }));
+    EXPECT_EQ(model->picture().heavyStartupItems, 2);
+    model->setStartupItemEnabled(model->startupItems()[2], false);
+    ASSERT_TRUE(support::processEventsUntil([&] { return !model->problem().isEmpty(); }));
+    EXPECT_EQ(model->problem(), "only an administrator");
 }
 
 TEST_F(AppModelTest, HistoryIsSavedAtMostEveryFiveMinutesAndAtQuit) {

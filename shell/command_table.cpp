@@ -21,6 +21,8 @@ const std::vector<Command>& commands() {
         {"snapshot", "the processes and system figures of this moment", runSnapshotCommand},
         {"why", "what is slowing things down, worst first, with fixes", runWhyCommand},
         {"apps", "the processes as apps with their helpers, by section", runAppsCommand},
+        {"info", "one process: what it uses, who made it, its open files and ports",
+         runInfoCommand},
         {"history", "what each app used today or over 7 or 30 days", runHistoryCommand},
         {"startup", "what starts at login, and turning your own items on or off",
          runStartupCommand},

@@ -1,6 +1,7 @@
 #include "app/model/app_model.h"
 
 #include "app/foundation/local_calendar.h"
+#include "app/details/open_files.h"
 #include "app/model/unresponsive_probe.h"
 #include "app/sampling/sampler.h"
 
@@ -366,6 +367,26 @@ void AppModel::setStartupItemEnabled(const StartupItem& item, bool enabled) {
                          setProblem(QString::fromStdString(*refusal));
                      }
                      refreshStartupItems();
+                 });
+}
+
+void AppModel::requestCodeInfo(const std::string& path) {
+    if (codeInfo_.contains(path)) {
+        return;
+    }
+    inBackground([cache = codeCache_, path] { return cache->info(path); },
+                 [this, path](CodeInfo info) {
+                     codeInfo_.insert_or_assign(path, info);
+                     emit codeInfoChanged();
+                 });
+}
+
+// Read again on every request: open files come and go.
+void AppModel::requestFileInfo(std::int32_t pid) {
+    inBackground([pid] { return openFiles(pid); },
+                 [this, pid](std::optional<FileInfo> info) {
+                     fileInfo_.insert_or_assign(pid, std::move(info));
+                     emit fileInfoChanged();
                  });
 }
 

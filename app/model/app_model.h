@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/alerts/notifier.h"
+#include "app/codesign/code_info_cache.h"
 #include "app/control/process_controller.h"
 #include "app/foundation/clock.h"
 #include "app/grouping/running_apps.h"
@@ -14,6 +15,7 @@
 #include "core/history/usage_history.h"
 #include "core/model/app_settings.h"
 #include "core/model/graphs.h"
+#include "core/measurement/file_info.h"
 #include "core/model/menu_bar_state.h"
 #include "core/startup/startup_rows.h"
 
@@ -22,6 +24,7 @@
 #include <QThreadPool>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -121,6 +124,14 @@ public:
     // The items with their impact from what their processes use now.
     std::vector<StartupRow> startupRows() const;
 
+    // Who made the program at `path` and what `pid` has open, read in the
+    // background into codeInfo() and fileInfo(); a program is read once.
+    void requestCodeInfo(const std::string& path);
+    void requestFileInfo(std::int32_t pid);
+    const std::map<std::string, CodeInfo>& codeInfo() const { return codeInfo_; }
+    // Absent for the processes the system tells nothing about.
+    const std::map<std::int32_t, std::optional<FileInfo>>& fileInfo() const { return fileInfo_; }
+
     // What slows the computer down as of the last tick, with the leaks,
     // unresponsive apps and heavy startup items only a running model knows.
     SystemPicture picture() const;
@@ -144,6 +155,8 @@ signals:
     void historyChanged();
     void historyDaysChanged();
     void startupItemsChanged();
+    void codeInfoChanged();
+    void fileInfoChanged();
     // After every tick, published or not.
     void ticked();
 
@@ -178,6 +191,7 @@ private:
     std::unique_ptr<ProcessController> controller_;
     std::unique_ptr<Notifier> notifier_;
     std::shared_ptr<StartupCatalog> startup_;
+    std::shared_ptr<CodeInfoCache> codeCache_ = std::make_shared<CodeInfoCache>();
     SettingsStore settingsStore_;
     HistoryFile historyFile_;
     Clock clock_;
@@ -216,6 +230,8 @@ private:
     int historyDays_ = 1;
     std::vector<StartupItem> startupItems_;
     bool startupLoaded_ = false;
+    std::map<std::string, CodeInfo> codeInfo_;
+    std::map<std::int32_t, std::optional<FileInfo>> fileInfo_;
     QThreadPool background_; // last: waited for before the rest goes
 };
 

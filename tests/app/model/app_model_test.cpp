@@ -245,6 +245,18 @@ TEST_F(AppModelTest, HeavyStartupItemsReachTheExplainerAndSwitchInTheBackground)
     EXPECT_EQ(model->problem(), "only an administrator");
 }
 
+TEST_F(AppModelTest, DetailsAreReadInTheBackground) {
+    model->requestFileInfo(getpid());
+    model->requestFileInfo(2147483647);
+    model->requestCodeInfo("/opt/nowhere/tool");
+    ASSERT_TRUE(support::processEventsUntil(
+        [&] { return model->fileInfo().size() == 2 && model->codeInfo().size() == 1; }));
+    ASSERT_TRUE(model->fileInfo().at(getpid()));
+    EXPECT_GE(model->fileInfo().at(getpid())->files, 3);
+    EXPECT_FALSE(model->fileInfo().at(2147483647)); // no such process: nothing guessed
+    EXPECT_EQ(model->codeInfo().at("/opt/nowhere/tool"), CodeInfo{});
+}
+
 TEST_F(AppModelTest, HistoryIsSavedAtMostEveryFiveMinutesAndAtQuit) {
     model->setWindowVisible(true);
     sampler->processes = {busyProcess(4100, "encoder", 100.0)};

@@ -1,6 +1,7 @@
 #include "app/control/process_controller.h"
 #include "app/grouping/running_apps.h"
 #include "app/sampling/sampler.h"
+#include "core/control/action_text.h"
 #include "core/control/process_policy.h"
 #include "core/text/duration_format.h"
 #include "core/text/units_format.h"
@@ -32,22 +33,15 @@ std::vector<ProcessGroup> groupsNow(Sampler& sampler, RunningApps& runningApps) 
 
 // The policy's one-line reason, with who owns a process where that is the reason.
 std::string refusal(ProcessAction action, const ProcessGroup& group) {
-    if (!group.isSelf && !group.leader.record.isOwn) {
-        return "Another user’s process: read-only";
-    }
-    if (const auto reason = ProcessPolicy::reason(group)) {
-        return std::string(*reason);
+    if (auto refusal = ActionText::menuRefusal(group)) {
+        return *refusal;
     }
     return action == ProcessAction::resume ? group.name + " is not paused"
                                            : group.name + " is paused already";
 }
 
 bool confirmForceQuit(const ProcessGroup& group, std::ostream& out) {
-    const bool isApp = group.kind == GroupKind::app;
-    out << "Force quit " << group.name << "? "
-        << (isApp ? "Unsaved changes in it will be lost. Try Quit first: it lets the app save."
-                  : "Anything it hasn’t saved will be lost. Try End first: it lets the process "
-                    "clean up.")
+    out << "Force quit " << group.name << "? " << ActionText::forceQuitConfirmation(group)
         << " [y/N] " << std::flush;
     std::string answer;
     std::getline(std::cin, answer);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "core/grouping/process_group.h"
+
+#include <optional>
+#include <string>
+
+namespace loadwarden {
+
+// Every sentence around the actions on processes, so the menus, the
+// confirmations and the command line say the same thing.
+namespace ActionText {
+
+// "Quit {name}" for an app, "End {name}" for anything else.
+std::string quitTitle(const ProcessGroup& group);
+// "Pause {name}", "Resume {name}", "Limit CPU of {name}", "Remove Limit on {name}".
+std::string pauseTitle(const ProcessGroup& group);
+std::string resumeTitle(const ProcessGroup& group);
+std::string limitTitle(const ProcessGroup& group, bool isLimited);
+// What a limited group shows: "Limited 50%".
+std::string limitedMark(double percent);
+
+// What quitting or ending it does, and what forcing it costs.
+std::string quitConfirmation(const ProcessGroup& group);
+std::string forceQuitConfirmation(const ProcessGroup& group);
+
+std::string pauseHelp();
+std::string resumeHelp();
+// The name cell's note on the program itself.
+std::string selfHelp();
+
+// Why the process menu offers nothing: another user's process, or the
+// policy's one-line reason; none when something is offered.
+std::optional<std::string> menuRefusal(const ProcessGroup& group);
+
+} // namespace ActionText
+
+} // namespace loadwarden

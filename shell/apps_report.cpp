@@ -4,6 +4,7 @@
 #include "core/grouping/heat.h"
 #include "core/grouping/process_group_json.h"
 #include "core/grouping/process_grouper.h"
+#include "core/grouping/row_figures.h"
 #include "core/text/units_format.h"
 #include "shell/terminal_text.h"
 
@@ -23,12 +24,6 @@ constexpr std::string_view memberIndent = "    ";
 constexpr std::size_t nameWidth = 32;
 constexpr std::size_t pidWidth = 7;
 
-// A figure and how heavy it is.
-struct Figure {
-    std::string text;
-    int heat = 0;
-};
-
 struct FigureColumn {
     std::string_view title;
     std::size_t width;
@@ -44,42 +39,13 @@ constexpr std::array<FigureColumn, 6> figureColumns{{
     {"GPU", 6},
 }};
 
-using Figures = std::array<Figure, figureColumns.size()>;
+using Figures = RowFigures;
+static_assert(figureColumns.size() == figureCount);
 
 // Heavier figures get a darker shade in front of them.
 std::string_view shade(int heat) {
     constexpr std::array<std::string_view, 5> shades{" ", "░", "▒", "▓", "█"};
     return shades[static_cast<std::size_t>(heat)];
-}
-
-Figure rate(std::optional<double> bytesPerSecond, Heat::Metric metric) {
-    return {bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(dash),
-            Heat::level(bytesPerSecond, metric)};
-}
-
-Figures figures(double cpu, std::uint64_t memory, std::optional<double> energy,
-                std::optional<double> disk, std::optional<double> network,
-                std::optional<double> gpu) {
-    return {{
-        {formatPercent(cpu), Heat::level(cpu, Heat::Metric::cpu)},
-        {formatBytes(memory), Heat::level(static_cast<double>(memory), Heat::Metric::memory)},
-        {energy ? formatWatts(*energy) : std::string(dash),
-         Heat::level(energy, Heat::Metric::energy)},
-        rate(disk, Heat::Metric::disk),
-        rate(network, Heat::Metric::network),
-        {gpu ? formatPercent(*gpu) : std::string(dash), Heat::level(gpu, Heat::Metric::gpu)},
-    }};
-}
-
-Figures groupFigures(const ProcessGroup& group) {
-    return figures(group.totalCPU(), group.totalMemory(), group.totalEnergy(), group.totalDisk(),
-                   group.totalNetwork(), group.totalGPU());
-}
-
-Figures memberFigures(const LiveProcess& member) {
-    return figures(member.rates.cpuPercent, member.record.memoryBytes, member.rates.energyWatts,
-                   member.rates.diskBytesPerSecond, networkTotal(member.rates),
-                   member.rates.gpuPercent);
 }
 
 std::optional<double> total(const ProcessGroup& group, Heat::Metric metric) {

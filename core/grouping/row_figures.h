@@ -1,0 +1,24 @@
+#pragma once
+
+#include "core/grouping/process_group.h"
+
+#include <array>
+#include <string>
+
+namespace loadwarden {
+
+// One cell of the process table's figures: its text, a dash where the
+// system gives no figure, and how heavily it is shaded (0 to 4).
+struct Figure {
+    std::string text;
+    int heat = 0;
+};
+
+// CPU, memory, energy, disk, network and graphics, in the table's order.
+inline constexpr std::size_t figureCount = 6;
+using RowFigures = std::array<Figure, figureCount>;
+
+RowFigures groupFigures(const ProcessGroup& group);
+RowFigures memberFigures(const LiveProcess& member);
+
+} // namespace loadwarden

@@ -19,7 +19,6 @@ namespace {
 using TerminalText::fitted;
 using TerminalText::padded;
 
-constexpr std::string_view dash = "-";
 constexpr std::string_view memberIndent = "    ";
 constexpr std::size_t nameWidth = 32;
 constexpr std::size_t pidWidth = 7;

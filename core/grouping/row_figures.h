@@ -12,6 +12,8 @@ namespace loadwarden {
 struct Figure {
     std::string text;
     int heat = 0;
+
+    bool operator==(const Figure&) const = default;
 };
 
 // CPU, memory, energy, disk, network and graphics, in the table's order.

@@ -1,0 +1,322 @@
+#include "shell/desktop/process_tree_model.h"
+
+#include "core/control/action_text.h"
+#include "core/grouping/process_grouper.h"
+#include "core/grouping/row_figures.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QFont>
+#include <QIcon>
+#include <QPalette>
+#include <QStyle>
+#include <algorithm>
+#include <array>
+#include <unistd.h>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr std::array<const char*, 1 + figureCount> columnTitles{
+    "Name", "CPU", "Memory", "Energy", "Disk", "Network", "GPU"};
+constexpr std::array<ProcessColumn, 1 + figureCount> columnOrder{
+    ProcessColumn::name,   ProcessColumn::cpu,     ProcessColumn::memory, ProcessColumn::energy,
+    ProcessColumn::disk,   ProcessColumn::network, ProcessColumn::gpu};
+
+// Heavier figures get a stronger wash of the highlight colour, readable in
+// light and dark palettes alike.
+QColor heatColor(int heat) {
+    QColor color = QApplication::palette().color(QPalette::Highlight);
+    color.setAlphaF(0.09f * static_cast<float>(heat));
+    return color;
+}
+
+} // namespace
+
+struct ProcessTreeModel::Node {
+    enum class Kind { root, section, group, member };
+
+    Kind kind = Kind::root;
+    std::string key;
+    GroupKind section = GroupKind::app;
+    ProcessGroup group; // the group, or a member's own single-process group
+    std::string label;  // the name cell
+    RowFigures figures;
+    Node* parent = nullptr;
+    std::vector<std::unique_ptr<Node>> children;
+
+    int row() const {
+        const auto& siblings = parent->children;
+        return static_cast<int>(std::find_if(siblings.begin(), siblings.end(),
+                                             [this](const auto& child) {
+                                                 return child.get() == this;
+                                             }) -
+                                siblings.begin());
+    }
+    bool sameRow(const Node& other) const {
+        return label == other.label && figures == other.figures && group == other.group;
+    }
+};
+
+ProcessTreeModel::ProcessTreeModel(QObject* parent)
+    : QAbstractItemModel(parent), root_(std::make_unique<Node>()) {}
+
+ProcessTreeModel::~ProcessTreeModel() = default;
+
+void ProcessTreeModel::update(std::vector<ProcessGroup> groups,
+                              std::map<std::string, double> limits) {
+    groups_ = std::move(groups);
+    limits_ = std::move(limits);
+    rebuild();
+}
+
+void ProcessTreeModel::setSearch(const QString& search) {
+    search_ = search.toStdString();
+    rebuild();
+}
+
+void ProcessTreeModel::sort(int column, Qt::SortOrder order) {
+    if (column < 0 || column >= static_cast<int>(columnOrder.size())) {
+        return;
+    }
+    column_ = columnOrder[static_cast<std::size_t>(column)];
+    ascending_ = order == Qt::AscendingOrder;
+    rebuild();
+}
+
+// The rows this refresh wants, section by section, then applied to the tree.
+void ProcessTreeModel::rebuild() {
+    const auto shown =
+        ProcessGrouper::sortGroups(ProcessGrouper::filter(groups_, search_), column_, ascending_);
+    std::vector<std::unique_ptr<Node>> sections;
+    for (const ProcessGroup& group : shown) {
+        if (sections.empty() || sections.back()->section != group.kind) {
+            auto section = std::make_unique<Node>();
+            section->kind = Node::Kind::section;
+            section->section = group.kind;
+            section->key = "section:" + std::to_string(static_cast<int>(group.kind));
+            section->label = std::string(sectionTitle(group.kind));
+            sections.push_back(std::move(section));
+        }
+        auto row = std::make_unique<Node>();
+        row->kind = Node::Kind::group;
+        row->key = group.id;
+        row->group = group;
+        row->section = group.kind;
+        row->label = group.name;
+        if (const auto limit = limits_.find(group.id); limit != limits_.end()) {
+            row->label += "  " + ActionText::limitedMark(limit->second);
+        }
+        row->figures = groupFigures(group);
+        if (group.members.size() > 1) {
+            const auto visible = ProcessGrouper::visibleMembers(group, search_);
+            ProcessGroup ordered = group;
+            ordered.members = visible;
+            for (const LiveProcess& member :
+                 ProcessGrouper::sortMembers(ordered, column_, ascending_)) {
+                auto memberRow = std::make_unique<Node>();
+                memberRow->kind = Node::Kind::member;
+                memberRow->key = "m:" + std::to_string(member.record.pid);
+                memberRow->group = ProcessGrouper::memberGroup(member.record.pid, group, getpid())
+                                       .value_or(ProcessGroup{});
+                memberRow->section = group.kind;
+                memberRow->label = member.record.name;
+                memberRow->figures = memberFigures(member);
+                row->children.push_back(std::move(memberRow));
+            }
+        }
+        sections.back()->children.push_back(std::move(row));
+    }
+    sync(*root_, std::move(sections));
+}
+
+void ProcessTreeModel::sync(Node& parent, std::vector<std::unique_ptr<Node>> wanted) {
+    const QModelIndex parentIndex = &parent == root_.get() ? QModelIndex() : indexOf(parent);
+    auto& rows = parent.children;
+    for (int row = static_cast<int>(rows.size()) - 1; row >= 0; --row) {
+        const bool kept = std::any_of(wanted.begin(), wanted.end(), [&](const auto& node) {
+            return node->key == rows[static_cast<std::size_t>(row)]->key;
+        });
+        if (!kept) {
+            beginRemoveRows(parentIndex, row, row);
+            rows.erase(rows.begin() + row);
+            endRemoveRows();
+        }
+    }
+    for (std::size_t position = 0; position < wanted.size(); ++position) {
+        Node& next = *wanted[position];
+        const auto found = std::find_if(rows.begin() + static_cast<std::ptrdiff_t>(position),
+                                        rows.end(),
+                                        [&](const auto& node) { return node->key == next.key; });
+        const int row = static_cast<int>(position);
+        if (found == rows.end()) {
+            beginInsertRows(parentIndex, row, row);
+            auto inserted = std::move(wanted[position]);
+            inserted->parent = &parent;
+            std::vector<std::unique_ptr<Node>> grandchildren = std::move(inserted->children);
+            inserted->children.clear();
+            Node& node = *inserted;
+            rows.insert(rows.begin() + row, std::move(inserted));
+            endInsertRows();
+            sync(node, std::move(grandchildren));
+            continue;
+        }
+        const int from = static_cast<int>(found - rows.begin());
+        if (from != row) {
+            beginMoveRows(parentIndex, from, from, parentIndex, row);
+            auto moved = std::move(rows[static_cast<std::size_t>(from)]);
+            rows.erase(rows.begin() + from);
+            rows.insert(rows.begin() + row, std::move(moved));
+            endMoveRows();
+        }
+        Node& current = *rows[position];
+        if (!current.sameRow(next)) {
+            current.group = std::move(next.group);
+            current.label = std::move(next.label);
+            current.figures = std::move(next.figures);
+            emit dataChanged(indexOf(current), indexOf(current, columnCount() - 1));
+        }
+        sync(current, std::move(next.children));
+    }
+}
+
+QModelIndex ProcessTreeModel::indexOf(const Node& node, int column) const {
+    return createIndex(node.row(), column, const_cast<Node*>(&node));
+}
+
+ProcessTreeModel::Node* ProcessTreeModel::nodeAt(const QModelIndex& index) const {
+    return index.isValid() ? static_cast<Node*>(index.internalPointer()) : root_.get();
+}
+
+const ProcessGroup* ProcessTreeModel::groupAt(const QModelIndex& index) const {
+    const Node* node = nodeAt(index);
+    return node->kind == Node::Kind::group || node->kind == Node::Kind::member ? &node->group
+                                                                                : nullptr;
+}
+
+QModelIndex ProcessTreeModel::indexOfKey(const std::string& key) const {
+    for (const auto& section : root_->children) {
+        if (section->key == key) {
+            return indexOf(*section);
+        }
+        for (const auto& group : section->children) {
+            if (group->key == key) {
+                return indexOf(*group);
+            }
+            for (const auto& member : group->children) {
+                if (member->key == key) {
+                    return indexOf(*member);
+                }
+            }
+        }
+    }
+    return {};
+}
+
+QModelIndex ProcessTreeModel::index(int row, int column, const QModelIndex& parent) const {
+    const Node* node = nodeAt(parent);
+    if (row < 0 || column < 0 || column >= columnCount() ||
+        row >= static_cast<int>(node->children.size())) {
+        return {};
+    }
+    return createIndex(row, column, node->children[static_cast<std::size_t>(row)].get());
+}
+
+QModelIndex ProcessTreeModel::parent(const QModelIndex& child) const {
+    if (!child.isValid()) {
+        return {};
+    }
+    const Node* parent = nodeAt(child)->parent;
+    return parent == root_.get() ? QModelIndex() : indexOf(*parent);
+}
+
+int ProcessTreeModel::rowCount(const QModelIndex& parent) const {
+    if (parent.column() > 0) {
+        return 0;
+    }
+    return static_cast<int>(nodeAt(parent)->children.size());
+}
+
+int ProcessTreeModel::columnCount(const QModelIndex&) const {
+    return static_cast<int>(columnTitles.size());
+}
+
+QVariant ProcessTreeModel::data(const QModelIndex& index, int role) const {
+    if (!index.isValid()) {
+        return {};
+    }
+    const Node& node = *nodeAt(index);
+    const int column = index.column();
+    const bool isSection = node.kind == Node::Kind::section;
+    switch (role) {
+    case Qt::DisplayRole:
+        if (column == 0) {
+            return QString::fromStdString(node.label);
+        }
+        return isSection ? QVariant()
+                         : QString::fromStdString(
+                               node.figures[static_cast<std::size_t>(column - 1)].text);
+    case Qt::TextAlignmentRole:
+        return column == 0 ? QVariant(Qt::AlignLeft | Qt::AlignVCenter)
+                           : QVariant(Qt::AlignRight | Qt::AlignVCenter);
+    case Qt::BackgroundRole:
+        if (column > 0 && !isSection) {
+            if (const int heat = node.figures[static_cast<std::size_t>(column - 1)].heat) {
+                return heatColor(heat);
+            }
+        }
+        return {};
+    case Qt::FontRole:
+        if (isSection) {
+            QFont bold;
+            bold.setBold(true);
+            return bold;
+        }
+        return {};
+    case Qt::DecorationRole:
+        if (column != 0 || isSection) {
+            return {};
+        }
+        if (node.group.isSelf) {
+            return QApplication::style()->standardIcon(QStyle::SP_MessageBoxInformation);
+        }
+        if (node.group.isProtected) {
+            return QIcon::fromTheme(QStringLiteral("changes-prevent"));
+        }
+        if (node.group.bundlePath) {
+            return QIcon::fromTheme(QString::fromStdString(*node.group.bundlePath));
+        }
+        return {};
+    case Qt::ToolTipRole:
+        if (isSection) {
+            return {};
+        }
+        if (node.group.isSelf) {
+            return QString::fromStdString(ActionText::selfHelp());
+        }
+        if (const auto refusal = ActionText::menuRefusal(node.group)) {
+            return QString::fromStdString(*refusal);
+        }
+        return QString::fromStdString(node.label);
+    case keyRole:
+        return QString::fromStdString(node.key);
+    default:
+        return {};
+    }
+}
+
+QVariant ProcessTreeModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) {
+        return {};
+    }
+    if (role == Qt::DisplayRole) {
+        return QString::fromLatin1(columnTitles[static_cast<std::size_t>(section)]);
+    }
+    if (role == Qt::TextAlignmentRole) {
+        return section == 0 ? QVariant(Qt::AlignLeft) : QVariant(Qt::AlignRight);
+    }
+    return {};
+}
+
+} // namespace loadwarden

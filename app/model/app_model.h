@@ -95,6 +95,8 @@ public:
 
     const MenuBarState& menuBar() const { return menuBar_; }
     QString problem() const { return problem_; }
+    // What the user should know: a failed save, a refused action.
+    void setProblem(const QString& problem);
     void clearProblem();
 
     const std::vector<LiveProcess>& processes() const { return processes_; }
@@ -181,7 +183,6 @@ private:
     void saveHistory();
     void raiseAlerts(const std::set<std::string>& stuck, Date now);
     std::set<std::string> unresponsiveKeys() const;
-    void setProblem(const QString& problem);
     const std::vector<LiveProcess>& latestProcesses() const;
     // Runs `work` on the model's own pool; `then` gets its result back here.
     template <typename Work, typename Then>

@@ -45,6 +45,10 @@ std::string ActionText::forceQuitConfirmation(const ProcessGroup& group) {
                  "clean up.";
 }
 
+std::string ActionText::singleProcessHeader(const ProcessGroup& group) {
+    return "This process only: " + group.name;
+}
+
 std::string ActionText::pauseHelp() {
     return "Stop it using the processor until you resume it";
 }

@@ -24,6 +24,9 @@ std::string limitedMark(double percent);
 std::string quitConfirmation(const ProcessGroup& group);
 std::string forceQuitConfirmation(const ProcessGroup& group);
 
+// Above the actions of a member row: "This process only: {name}".
+std::string singleProcessHeader(const ProcessGroup& group);
+
 std::string pauseHelp();
 std::string resumeHelp();
 // The name cell's note on the program itself.

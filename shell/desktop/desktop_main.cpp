@@ -1,0 +1,50 @@
+// Loadwarden, the desktop program: the window, the menu bar meter, alerts
+// and App history, one copy per user.
+#include "app/control/shared_ledger.h"
+#include "app/model/app_model.h"
+#include "shell/desktop/main_window.h"
+#include "shell/desktop/menu_bar_meter.h"
+#include "shell/desktop/single_instance.h"
+#include "shell/quit_signals.h"
+
+#include <QApplication>
+#include <QSocketNotifier>
+
+int main(int argc, char** argv) {
+    using namespace loadwarden;
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Loadwarden"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Loadwarden"));
+    QApplication::setDesktopFileName(QStringLiteral("loadwarden"));
+
+    SingleInstance instance;
+    if (!instance.isFirst()) {
+        return 0;
+    }
+    // Whatever ended a copy of the program, this one continues what it left stopped.
+    SharedLedger(DefaultsStore()).releaseOrphans();
+    QuitSignals quitSignals;
+
+    AppModel model(AppModel::machineParts());
+    MainWindow window(model);
+    MenuBarMeter meter(model);
+
+    // With the meter on, closing the window leaves the program at work.
+    const auto followMeter = [&] { QApplication::setQuitOnLastWindowClosed(!meter.isShown()); };
+    QObject::connect(&model, &AppModel::settingsChanged, &application, followMeter);
+    followMeter();
+
+    QObject::connect(&instance, &SingleInstance::activated, &window, &MainWindow::bringForward);
+    QObject::connect(&meter, &MenuBarMeter::openRequested, &window, &MainWindow::bringForward);
+    QObject::connect(&meter, &MenuBarMeter::quitRequested, &application, &QApplication::quit);
+    QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
+    QSocketNotifier quitNotifier(quitSignals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&quitNotifier, &QSocketNotifier::activated, &application,
+                     &QApplication::quit);
+    // The loop stops, everything held runs again, the history is saved.
+    QObject::connect(&application, &QApplication::aboutToQuit, &model, &AppModel::prepareToQuit);
+
+    model.start();
+    window.show();
+    return QApplication::exec();
+}

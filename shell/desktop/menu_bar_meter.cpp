@@ -1,0 +1,66 @@
+#include "shell/desktop/menu_bar_meter.h"
+
+#include <QFont>
+#include <QPainter>
+#include <QPixmap>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr int iconSize = 64;
+
+} // namespace
+
+MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent)
+    : QObject(parent), model_(model), tray_(this) {
+    menu_.addAction(QStringLiteral("Open Loadwarden"), this, &MenuBarMeter::openRequested);
+    menu_.addSeparator();
+    menu_.addAction(QStringLiteral("Quit Loadwarden"), this, &MenuBarMeter::quitRequested);
+    tray_.setContextMenu(&menu_);
+    connect(&tray_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason why) {
+        if (why == QSystemTrayIcon::Trigger || why == QSystemTrayIcon::DoubleClick) {
+            emit openRequested();
+        }
+    });
+    connect(&model_, &AppModel::menuBarChanged, this, &MenuBarMeter::follow);
+    connect(&model_, &AppModel::settingsChanged, this, &MenuBarMeter::follow);
+    follow();
+}
+
+bool MenuBarMeter::isAvailable() {
+    return QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+bool MenuBarMeter::isShown() const {
+    return model_.settings().showMenuBar && isAvailable();
+}
+
+void MenuBarMeter::follow() {
+    const MenuBarState& state = model_.menuBar();
+    tray_.setIcon(drawIcon(state));
+    tray_.setToolTip(QString::fromStdString(state.text.empty() ? "Loadwarden" : state.text));
+    tray_.setVisible(isShown());
+}
+
+QIcon MenuBarMeter::drawIcon(const MenuBarState& state) {
+    QPixmap pixmap(iconSize, iconSize);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(state.busy ? QColor(0xd9, 0x48, 0x0f) : QColor(0x3a, 0x3f, 0x46));
+    painter.drawRoundedRect(pixmap.rect(), 12, 12);
+    // The figure without its sign, as large as the plate allows.
+    QString figure = QString::fromStdString(state.cpu);
+    figure.remove(QLatin1Char('%'));
+    QFont font = painter.font();
+    font.setBold(true);
+    font.setPixelSize(figure.size() > 2 ? 26 : 34);
+    painter.setFont(font);
+    painter.setPen(Qt::white);
+    painter.drawText(pixmap.rect(), Qt::AlignCenter, figure.isEmpty() ? QStringLiteral("–") : figure);
+    return QIcon(pixmap);
+}
+
+} // namespace loadwarden

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "app/model/app_model.h"
+
+#include <QIcon>
+#include <QMenu>
+#include <QObject>
+#include <QSystemTrayIcon>
+
+namespace loadwarden {
+
+// The live meter beside the clock: the processor figure drawn into the icon,
+// the whole meter text as its tooltip, and a menu to open the window or quit.
+// Where the desktop has no tray, the meter counts as off.
+class MenuBarMeter : public QObject {
+    Q_OBJECT
+
+public:
+    explicit MenuBarMeter(AppModel& model, QObject* parent = nullptr);
+
+    static bool isAvailable();
+    // Shown when the setting asks for it and a tray exists.
+    bool isShown() const;
+
+    // The processor figure on a plate that turns warm while an app runs hot.
+    static QIcon drawIcon(const MenuBarState& state);
+    QSystemTrayIcon& trayIcon() { return tray_; }
+
+signals:
+    void openRequested();
+    void quitRequested();
+
+private:
+    void follow();
+
+    AppModel& model_;
+    QMenu menu_;
+    QSystemTrayIcon tray_;
+};
+
+} // namespace loadwarden

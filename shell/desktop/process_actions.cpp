@@ -1,0 +1,111 @@
+#include "shell/desktop/process_actions.h"
+
+#include "core/control/action_text.h"
+#include "core/control/process_policy.h"
+#include "core/text/units_format.h"
+
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace loadwarden {
+
+namespace {
+
+QString text(const std::string& value) {
+    return QString::fromStdString(value);
+}
+
+} // namespace
+
+ProcessActions::ProcessActions(AppModel& model, QWidget* dialogParent)
+    : QObject(dialogParent), model_(model), dialogParent_(dialogParent) {}
+
+bool ProcessActions::offers(ProcessAction action, const ProcessGroup& group) const {
+    return ProcessPolicy::offers(action, group, model_.controller().limitOf(group.id).has_value());
+}
+
+void ProcessActions::fill(QMenu& menu, const ProcessGroup& group) {
+    if (const auto refusal = ActionText::menuRefusal(group)) {
+        menu.addAction(text(*refusal))->setEnabled(false);
+        return;
+    }
+    const auto add = [&](ProcessAction action, const std::string& title, auto perform) {
+        QAction* entry = menu.addAction(text(title));
+        entry->setEnabled(offers(action, group));
+        connect(entry, &QAction::triggered, this, [this, group, perform] { perform(group); });
+        return entry;
+    };
+    add(ProcessAction::quit, ActionText::quitTitle(group),
+        [this](const ProcessGroup& target) { quit(target); });
+    add(ProcessAction::forceQuit, "Force Quit…",
+        [this](const ProcessGroup& target) { forceQuit(target); });
+    menu.addSeparator();
+    const bool paused = offers(ProcessAction::resume, group);
+    add(paused ? ProcessAction::resume : ProcessAction::pause,
+        paused ? ActionText::resumeTitle(group) : ActionText::pauseTitle(group),
+        [this](const ProcessGroup& target) { pauseOrResume(target); })
+        ->setToolTip(text(paused ? ActionText::resumeHelp() : ActionText::pauseHelp()));
+    if (model_.controller().limitOf(group.id)) {
+        add(ProcessAction::limit, ActionText::limitTitle(group, true),
+            [this](const ProcessGroup& target) { removeLimit(target); });
+        return;
+    }
+    QMenu* limits = menu.addMenu(text(ActionText::limitTitle(group, false)));
+    limits->setEnabled(offers(ProcessAction::limit, group));
+    for (const double percent : limitChoices) {
+        connect(limits->addAction(text(formatPercent(percent) + " of a core")), &QAction::triggered,
+                this, [this, group, percent] { limit(group, percent); });
+    }
+}
+
+void ProcessActions::quit(const ProcessGroup& group) {
+    report(model_.controller().quit(group), group);
+}
+
+bool ProcessActions::forceQuit(const ProcessGroup& group) {
+    QMessageBox confirm(QMessageBox::Warning, text("Force Quit " + group.name + "?"),
+                        text("Force Quit " + group.name + "?"), QMessageBox::Cancel,
+                        dialogParent_);
+    confirm.setInformativeText(text(ActionText::forceQuitConfirmation(group)));
+    QPushButton* force = confirm.addButton(QStringLiteral("Force Quit"),
+                                           QMessageBox::DestructiveRole);
+    confirm.setDefaultButton(QMessageBox::Cancel);
+    confirm.exec();
+    if (confirm.clickedButton() != force) {
+        return false;
+    }
+    report(model_.controller().forceQuit(group), group);
+    return true;
+}
+
+void ProcessActions::pauseOrResume(const ProcessGroup& group) {
+    report(offers(ProcessAction::resume, group) ? model_.controller().resume(group)
+                                                : model_.controller().pause(group),
+           group);
+}
+
+void ProcessActions::limit(const ProcessGroup& group, double percent) {
+    report(model_.controller().limit(group, percent), group);
+}
+
+void ProcessActions::removeLimit(const ProcessGroup& group) {
+    model_.controller().removeLimit(group.id);
+}
+
+void ProcessActions::report(ProcessController::Result result, const ProcessGroup& group) {
+    switch (result) {
+    case ProcessController::Result::done:
+        return;
+    case ProcessController::Result::refused:
+        model_.setProblem(text(ActionText::menuRefusal(group).value_or(
+            group.name + " can’t be changed right now.")));
+        return;
+    case ProcessController::Result::notRecorded:
+        model_.setProblem(text("Nothing was paused: Loadwarden couldn’t note " + group.name +
+                                " down to resume it later."));
+        return;
+    }
+}
+
+} // namespace loadwarden

@@ -1,0 +1,104 @@
+#include "shell/desktop/processes_tab.h"
+
+#include "core/control/action_text.h"
+
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr int figureColumnWidth = 90;
+
+} // namespace
+
+ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* parent)
+    : QWidget(parent), model_(model), actions_(actions), search_(new QLineEdit(this)),
+      view_(new QTreeView(this)) {
+    search_->setPlaceholderText(QStringLiteral("Search apps and processes"));
+    search_->setClearButtonEnabled(true);
+    search_->setAccessibleName(QStringLiteral("Search"));
+
+    view_->setModel(&table_);
+    view_->setAccessibleName(QStringLiteral("Processes"));
+    view_->setUniformRowHeights(true);
+    view_->setAlternatingRowColors(true);
+    view_->setSortingEnabled(true);
+    view_->sortByColumn(1, Qt::DescendingOrder);
+    view_->setContextMenuPolicy(Qt::CustomContextMenu);
+    QHeaderView* header = view_->header();
+    header->setStretchLastSection(false);
+    header->setSectionResizeMode(0, QHeaderView::Stretch);
+    for (int column = 1; column < table_.columnCount(); ++column) {
+        header->setSectionResizeMode(column, QHeaderView::Interactive);
+        header->resizeSection(column, figureColumnWidth);
+    }
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(search_);
+    layout->addWidget(view_);
+
+    connect(search_, &QLineEdit::textChanged, &table_, &ProcessTreeModel::setSearch);
+    connect(&model_, &AppModel::groupsChanged, this, &ProcessesTab::refresh);
+    connect(view_, &QTreeView::customContextMenuRequested, this, &ProcessesTab::showMenu);
+    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &ProcessesTab::selectionChanged);
+    // Sections open; a new section opens as it appears.
+    connect(&table_, &QAbstractItemModel::rowsInserted, this,
+            [this](const QModelIndex& under, int first, int last) {
+                if (!under.isValid()) {
+                    for (int row = first; row <= last; ++row) {
+                        view_->expand(table_.index(row, 0));
+                    }
+                }
+            });
+    refresh();
+}
+
+void ProcessesTab::refresh() {
+    std::map<std::string, double> limits;
+    for (const ProcessGroup& group : model_.groups()) {
+        if (const auto limit = model_.controller().limitOf(group.id)) {
+            limits.emplace(group.id, *limit);
+        }
+    }
+    table_.update(model_.groups(), std::move(limits));
+    emit selectionChanged(); // the selected group's figures and state may have changed
+}
+
+const ProcessGroup* ProcessesTab::selectedGroup() const {
+    return table_.groupAt(view_->currentIndex());
+}
+
+const ProcessGroup* ProcessesTab::selectedParentGroup() const {
+    const QModelIndex current = view_->currentIndex();
+    const QModelIndex parent = current.parent();
+    return parent.isValid() && table_.groupAt(parent) ? table_.groupAt(parent)
+                                                      : table_.groupAt(current);
+}
+
+void ProcessesTab::focusSearch() {
+    search_->setFocus();
+    search_->selectAll();
+}
+
+void ProcessesTab::showMenu(const QPoint& position) {
+    const QModelIndex index = view_->indexAt(position).isValid() ? view_->indexAt(position)
+                                                                 : view_->currentIndex();
+    const ProcessGroup* group = table_.groupAt(index);
+    if (!group) {
+        return;
+    }
+    QMenu menu(this);
+    if (index.parent().isValid() && table_.groupAt(index.parent())) {
+        menu.addSection(QString::fromStdString(ActionText::singleProcessHeader(*group)));
+    }
+    actions_.fill(menu, *group);
+    menu.exec(view_->viewport()->mapToGlobal(position));
+}
+
+} // namespace loadwarden

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/model/app_model.h"
+#include "shell/desktop/process_actions.h"
+#include "shell/desktop/process_tree_model.h"
+
+#include <QWidget>
+
+class QLineEdit;
+class QTreeView;
+
+namespace loadwarden {
+
+// The Processes tab: the search field over the table of apps and their
+// processes, refreshed in place, with each row's actions on right-click or
+// the menu key.
+class ProcessesTab : public QWidget {
+    Q_OBJECT
+
+public:
+    ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* parent = nullptr);
+
+    // The selected row's group: an app or process group, or a member's own.
+    const ProcessGroup* selectedGroup() const;
+    // The group a member row belongs to, or the selected group itself.
+    const ProcessGroup* selectedParentGroup() const;
+    void focusSearch();
+
+    QTreeView& view() { return *view_; }
+    ProcessTreeModel& tableModel() { return table_; }
+
+signals:
+    void selectionChanged();
+
+private:
+    void refresh();
+    void showMenu(const QPoint& position);
+
+    AppModel& model_;
+    ProcessActions& actions_;
+    ProcessTreeModel table_;
+    QLineEdit* search_;
+    QTreeView* view_;
+};
+
+} // namespace loadwarden

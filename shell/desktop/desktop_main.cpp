@@ -4,7 +4,9 @@
 #include "app/model/app_model.h"
 #include "shell/desktop/main_window.h"
 #include "shell/desktop/menu_bar_meter.h"
+#include "shell/desktop/settings_window.h"
 #include "shell/desktop/single_instance.h"
+#include "shell/desktop/welcome_dialog.h"
 #include "shell/quit_signals.h"
 
 #include <QApplication>
@@ -28,6 +30,14 @@ int main(int argc, char** argv) {
     AppModel model(AppModel::machineParts());
     MainWindow window(model);
     MenuBarMeter meter(model);
+    SettingsWindow settings(model);
+    const auto welcome = [&] { WelcomeDialog(model, &window).exec(); };
+    QObject::connect(&window, &MainWindow::settingsRequested, &settings, [&] {
+        settings.show();
+        settings.raise();
+        settings.activateWindow();
+    });
+    QObject::connect(&settings, &SettingsWindow::welcomeRequested, &window, welcome);
 
     // With the meter on, closing the window leaves the program at work.
     const auto followMeter = [&] { QApplication::setQuitOnLastWindowClosed(!meter.isShown()); };
@@ -46,5 +56,8 @@ int main(int argc, char** argv) {
 
     model.start();
     window.show();
+    if (!model.settings().onboardingDone) {
+        QMetaObject::invokeMethod(&window, welcome, Qt::QueuedConnection);
+    }
     return QApplication::exec();
 }

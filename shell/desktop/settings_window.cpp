@@ -1,0 +1,217 @@
+#include "shell/desktop/settings_window.h"
+
+#include "core/text/platform_wording.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace loadwarden {
+
+namespace {
+
+QLabel* note(const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
+    label->setWordWrap(true);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
+QSpinBox* stepper(const QString& prefix, const QString& suffix, int least, int most, int step,
+                  QWidget* parent) {
+    auto* box = new QSpinBox(parent);
+    box->setRange(least, most);
+    box->setSingleStep(step);
+    box->setPrefix(prefix);
+    box->setSuffix(suffix);
+    box->setAccessibleName(prefix + suffix);
+    return box;
+}
+
+QGroupBox* section(const QString& title, QWidget* parent) {
+    auto* box = new QGroupBox(title, parent);
+    new QVBoxLayout(box);
+    return box;
+}
+
+} // namespace
+
+SettingsWindow::SettingsWindow(AppModel& model, QWidget* parent)
+    : QWidget(parent, Qt::Window), model_(model) {
+    setWindowTitle(QStringLiteral("Settings"));
+    auto* panes = new QTabWidget(this);
+    panes->addTab(generalPane(), QIcon::fromTheme(QStringLiteral("preferences-system")),
+                  QStringLiteral("General"));
+    panes->addTab(alertsPane(), QIcon::fromTheme(QStringLiteral("preferences-desktop-notification")),
+                  QStringLiteral("Alerts"));
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(panes);
+    connect(&model_, &AppModel::settingsChanged, this, &SettingsWindow::showSettings);
+    showSettings();
+}
+
+QWidget* SettingsWindow::generalPane() {
+    auto* pane = new QWidget(this);
+    auto* layout = new QVBoxLayout(pane);
+
+    QGroupBox* updating = section(QStringLiteral("Updating"), pane);
+    auto* row = new QFormLayout();
+    interval_ = new QComboBox(updating);
+    interval_->addItem(QStringLiteral("1 second"), 1.0);
+    interval_->addItem(QStringLiteral("2 seconds"), 2.0);
+    interval_->addItem(QStringLiteral("5 seconds"), 5.0);
+    interval_->setAccessibleName(QStringLiteral("Update every"));
+    row->addRow(QStringLiteral("Update every"), interval_);
+    updating->layout()->addItem(row);
+    updating->layout()->addWidget(
+        note(QStringLiteral("Faster updates use a little more processor time themselves."), updating));
+
+    QGroupBox* atHand = section(QStringLiteral("Always at hand"), pane);
+    showMenuBar_ = new QCheckBox(QStringLiteral("Show the meter in the menu bar"), atHand);
+    hotKey_ = new QCheckBox(QStringLiteral("Open with ⌃⇧⎋ from anywhere"), atHand);
+    atHand->layout()->addWidget(showMenuBar_);
+    atHand->layout()->addWidget(hotKey_);
+    if (!isMac) {
+        // No desktop here lends its keyboard to other programs for this.
+        hotKey_->setEnabled(false);
+        atHand->layout()->addWidget(
+            note(QStringLiteral("The shortcut isn’t available on this desktop."), atHand));
+    }
+    atHand->layout()->addWidget(note(
+        QStringLiteral("With the menu bar meter on, closing the window keeps Loadwarden running "
+                       "for alerts and App history."),
+        atHand));
+
+    QGroupBox* yourData = section(QStringLiteral("Your data"), pane);
+    yourData->layout()->addWidget(note(
+        QString::fromUtf8(onThisPlatform(
+            "App history is kept only on this Mac, for 35 days. Nothing is uploaded.",
+            "App history is kept only on this computer, for 35 days. Nothing is uploaded.")),
+        yourData));
+    auto* remove = new QPushButton(QStringLiteral("Delete Usage History…"), yourData);
+    yourData->layout()->addWidget(remove);
+
+    QGroupBox* start = section(QStringLiteral("Getting started"), pane);
+    auto* welcome = new QPushButton(QStringLiteral("Show the Welcome Screen Again"), start);
+    start->layout()->addWidget(welcome);
+
+    for (QWidget* part : {static_cast<QWidget*>(updating), static_cast<QWidget*>(atHand),
+                          static_cast<QWidget*>(yourData), static_cast<QWidget*>(start)}) {
+        layout->addWidget(part);
+    }
+    layout->addStretch();
+
+    connect(interval_, &QComboBox::currentIndexChanged, this, &SettingsWindow::saveSettings);
+    connect(showMenuBar_, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
+    connect(hotKey_, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
+    connect(remove, &QPushButton::clicked, this, &SettingsWindow::confirmDeleteHistory);
+    connect(welcome, &QPushButton::clicked, this, &SettingsWindow::welcomeRequested);
+    return pane;
+}
+
+QWidget* SettingsWindow::alertsPane() {
+    auto* pane = new QWidget(this);
+    auto* layout = new QVBoxLayout(pane);
+
+    QGroupBox* hot = section(QStringLiteral("An app running hot"), pane);
+    hotEnabled_ = new QCheckBox(QStringLiteral("Tell me"), hot);
+    hotPercent_ = stepper(QStringLiteral("Above "), QStringLiteral("% of a core"), 25, 800, 5, hot);
+    hotMinutes_ = stepper(QStringLiteral("For "), QStringLiteral(" minutes"), 1, 120, 1, hot);
+    for (QWidget* control : {static_cast<QWidget*>(hotEnabled_),
+                             static_cast<QWidget*>(hotPercent_),
+                             static_cast<QWidget*>(hotMinutes_)}) {
+        hot->layout()->addWidget(control);
+    }
+
+    QGroupBox* leak = section(QStringLiteral("Memory that keeps growing"), pane);
+    leakEnabled_ = new QCheckBox(QStringLiteral("Tell me about likely leaks"), leak);
+    leak->layout()->addWidget(leakEnabled_);
+    leak->layout()->addWidget(note(QStringLiteral("Steady growth of 500 MB or more, by at least "
+                                                  "half, over 30 minutes or longer."),
+                                   leak));
+
+    QGroupBox* stuck = section(QStringLiteral("An app that stops responding"), pane);
+    stuckEnabled_ = new QCheckBox(QStringLiteral("Tell me"), stuck);
+    stuckSeconds_ = stepper(QStringLiteral("After "), QStringLiteral(" seconds"), 5, 600, 5, stuck);
+    stuck->layout()->addWidget(stuckEnabled_);
+    stuck->layout()->addWidget(stuckSeconds_);
+    if (!isMac) {
+        stuck->layout()->addWidget(note(
+            QStringLiteral("This desktop doesn’t tell other programs when an app stops "
+                           "responding, so this alert can’t come here."),
+            stuck));
+    }
+
+    auto* repeat = new QFormLayout();
+    repeatMinutes_ = stepper(QString(), QStringLiteral(" minutes"), 5, 1440, 5, pane);
+    repeat->addRow(QStringLiteral("The same alert at most every "), repeatMinutes_);
+
+    layout->addWidget(hot);
+    layout->addWidget(leak);
+    layout->addWidget(stuck);
+    layout->addLayout(repeat);
+    layout->addStretch();
+
+    for (QCheckBox* box : {hotEnabled_, leakEnabled_, stuckEnabled_}) {
+        connect(box, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
+    }
+    for (QSpinBox* box : {hotPercent_, hotMinutes_, stuckSeconds_, repeatMinutes_}) {
+        connect(box, &QSpinBox::valueChanged, this, &SettingsWindow::saveSettings);
+    }
+    return pane;
+}
+
+void SettingsWindow::showSettings() {
+    showing_ = true;
+    const AppSettings& settings = model_.settings();
+    interval_->setCurrentIndex(std::max(0, interval_->findData(settings.interval)));
+    showMenuBar_->setChecked(settings.showMenuBar);
+    hotKey_->setChecked(settings.hotKey);
+    hotEnabled_->setChecked(settings.alerts.hotEnabled);
+    hotPercent_->setValue(static_cast<int>(settings.alerts.hotPercent));
+    hotMinutes_->setValue(static_cast<int>(settings.alerts.hotMinutes));
+    leakEnabled_->setChecked(settings.alerts.leakEnabled);
+    stuckEnabled_->setChecked(settings.alerts.stuckEnabled);
+    stuckSeconds_->setValue(static_cast<int>(settings.alerts.stuckSeconds));
+    repeatMinutes_->setValue(static_cast<int>(settings.alerts.repeatMinutes));
+    showing_ = false;
+}
+
+void SettingsWindow::saveSettings() {
+    if (showing_) {
+        return;
+    }
+    AppSettings settings = model_.settings();
+    settings.interval = interval_->currentData().toDouble();
+    settings.showMenuBar = showMenuBar_->isChecked();
+    settings.hotKey = hotKey_->isChecked();
+    settings.alerts.hotEnabled = hotEnabled_->isChecked();
+    settings.alerts.hotPercent = hotPercent_->value();
+    settings.alerts.hotMinutes = hotMinutes_->value();
+    settings.alerts.leakEnabled = leakEnabled_->isChecked();
+    settings.alerts.stuckEnabled = stuckEnabled_->isChecked();
+    settings.alerts.stuckSeconds = stuckSeconds_->value();
+    settings.alerts.repeatMinutes = repeatMinutes_->value();
+    model_.setSettings(settings);
+}
+
+void SettingsWindow::confirmDeleteHistory() {
+    QMessageBox confirm(QMessageBox::Warning, QStringLiteral("Delete all usage history?"),
+                        QStringLiteral("Delete all usage history?"), QMessageBox::Cancel, this);
+    QPushButton* remove =
+        confirm.addButton(QStringLiteral("Delete History"), QMessageBox::DestructiveRole);
+    confirm.setDefaultButton(QMessageBox::Cancel);
+    confirm.exec();
+    if (confirm.clickedButton() == remove) {
+        model_.deleteHistory();
+    }
+}
+
+} // namespace loadwarden

@@ -12,7 +12,10 @@
 #include <QStyle>
 #include <algorithm>
 #include <array>
+#include <string_view>
 #include <unistd.h>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace loadwarden {
 
@@ -45,14 +48,20 @@ struct ProcessTreeModel::Node {
     RowFigures figures;
     Node* parent = nullptr;
     std::vector<std::unique_ptr<Node>> children;
+    mutable int cachedRow = 0;
 
+    // Views ask for a row's place all the time; the last answer is checked
+    // first and is right unless rows moved before it.
     int row() const {
         const auto& siblings = parent->children;
-        return static_cast<int>(std::find_if(siblings.begin(), siblings.end(),
-                                             [this](const auto& child) {
-                                                 return child.get() == this;
-                                             }) -
-                                siblings.begin());
+        const auto cached = static_cast<std::size_t>(cachedRow);
+        if (cached >= siblings.size() || siblings[cached].get() != this) {
+            cachedRow = static_cast<int>(
+                std::find_if(siblings.begin(), siblings.end(),
+                             [this](const auto& child) { return child.get() == this; }) -
+                siblings.begin());
+        }
+        return cachedRow;
     }
     bool sameRow(const Node& other) const {
         return label == other.label && figures == other.figures && group == other.group;
@@ -128,56 +137,119 @@ void ProcessTreeModel::rebuild() {
         }
         sections.back()->children.push_back(std::move(row));
     }
-    sync(*root_, std::move(sections));
+    Node wanted;
+    wanted.children = std::move(sections);
+    apply(wanted);
 }
 
-void ProcessTreeModel::sync(Node& parent, std::vector<std::unique_ptr<Node>> wanted) {
+// Rows that went are removed and new ones appended; then, if the order
+// changed, one layout change puts every row in place, carrying the views'
+// selection and expansion along; last, the rows whose cells changed say so.
+void ProcessTreeModel::apply(const Node& wanted) {
+    addAndRemove(*root_, wanted);
+    if (!inOrder(*root_, wanted)) {
+        emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
+        const QModelIndexList before = persistentIndexList();
+        reorder(*root_, wanted);
+        QModelIndexList after;
+        after.reserve(before.size());
+        for (const QModelIndex& index : before) {
+            after.push_back(index.isValid() ? indexOf(*nodeAt(index), index.column())
+                                            : QModelIndex());
+        }
+        changePersistentIndexList(before, after);
+        emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
+    }
+    refreshCells(*root_, wanted);
+}
+
+void ProcessTreeModel::addAndRemove(Node& parent, const Node& wanted) {
     const QModelIndex parentIndex = &parent == root_.get() ? QModelIndex() : indexOf(parent);
     auto& rows = parent.children;
+    std::unordered_set<std::string_view> wantedKeys;
+    for (const auto& node : wanted.children) {
+        wantedKeys.insert(node->key);
+    }
     for (int row = static_cast<int>(rows.size()) - 1; row >= 0; --row) {
-        const bool kept = std::any_of(wanted.begin(), wanted.end(), [&](const auto& node) {
-            return node->key == rows[static_cast<std::size_t>(row)]->key;
-        });
-        if (!kept) {
+        if (!wantedKeys.contains(rows[static_cast<std::size_t>(row)]->key)) {
             beginRemoveRows(parentIndex, row, row);
             rows.erase(rows.begin() + row);
             endRemoveRows();
         }
     }
-    for (std::size_t position = 0; position < wanted.size(); ++position) {
-        Node& next = *wanted[position];
-        const auto found = std::find_if(rows.begin() + static_cast<std::ptrdiff_t>(position),
-                                        rows.end(),
-                                        [&](const auto& node) { return node->key == next.key; });
-        const int row = static_cast<int>(position);
-        if (found == rows.end()) {
-            beginInsertRows(parentIndex, row, row);
-            auto inserted = std::move(wanted[position]);
-            inserted->parent = &parent;
-            std::vector<std::unique_ptr<Node>> grandchildren = std::move(inserted->children);
-            inserted->children.clear();
-            Node& node = *inserted;
-            rows.insert(rows.begin() + row, std::move(inserted));
-            endInsertRows();
-            sync(node, std::move(grandchildren));
+    std::unordered_map<std::string_view, Node*> present;
+    for (const auto& node : rows) {
+        present.emplace(node->key, node.get());
+    }
+    for (const auto& next : wanted.children) {
+        const auto found = present.find(next->key);
+        if (found != present.end()) {
+            addAndRemove(*found->second, *next);
             continue;
         }
-        const int from = static_cast<int>(found - rows.begin());
-        if (from != row) {
-            beginMoveRows(parentIndex, from, from, parentIndex, row);
-            auto moved = std::move(rows[static_cast<std::size_t>(from)]);
-            rows.erase(rows.begin() + from);
-            rows.insert(rows.begin() + row, std::move(moved));
-            endMoveRows();
+        const int row = static_cast<int>(rows.size());
+        beginInsertRows(parentIndex, row, row);
+        auto added = std::make_unique<Node>();
+        added->kind = next->kind;
+        added->key = next->key;
+        added->section = next->section;
+        added->group = next->group;
+        added->label = next->label;
+        added->figures = next->figures;
+        added->parent = &parent;
+        added->cachedRow = row;
+        Node& node = *added;
+        rows.push_back(std::move(added));
+        endInsertRows();
+        addAndRemove(node, *next);
+    }
+}
+
+bool ProcessTreeModel::inOrder(const Node& parent, const Node& wanted) const {
+    for (std::size_t row = 0; row < wanted.children.size(); ++row) {
+        if (parent.children[row]->key != wanted.children[row]->key ||
+            !inOrder(*parent.children[row], *wanted.children[row])) {
+            return false;
         }
-        Node& current = *rows[position];
+    }
+    return true;
+}
+
+void ProcessTreeModel::reorder(Node& parent, const Node& wanted) {
+    std::unordered_map<std::string_view, std::unique_ptr<Node>> byKey;
+    for (auto& node : parent.children) {
+        const std::string_view key = node->key;
+        byKey.emplace(key, std::move(node));
+    }
+    parent.children.clear();
+    for (const auto& next : wanted.children) {
+        auto node = std::move(byKey.at(next->key));
+        node->cachedRow = static_cast<int>(parent.children.size());
+        reorder(*node, *next);
+        parent.children.push_back(std::move(node));
+    }
+}
+
+void ProcessTreeModel::refreshCells(Node& parent, const Node& wanted) {
+    const QModelIndex parentIndex = &parent == root_.get() ? QModelIndex() : indexOf(parent);
+    int firstChanged = static_cast<int>(wanted.children.size());
+    int lastChanged = -1;
+    for (std::size_t position = 0; position < wanted.children.size(); ++position) {
+        Node& current = *parent.children[position];
+        const Node& next = *wanted.children[position];
         if (!current.sameRow(next)) {
-            current.group = std::move(next.group);
-            current.label = std::move(next.label);
-            current.figures = std::move(next.figures);
-            emit dataChanged(indexOf(current), indexOf(current, columnCount() - 1));
+            current.group = next.group;
+            current.label = next.label;
+            current.figures = next.figures;
+            firstChanged = std::min(firstChanged, static_cast<int>(position));
+            lastChanged = std::max(lastChanged, static_cast<int>(position));
         }
-        sync(current, std::move(next.children));
+        refreshCells(current, next);
+    }
+    // One range for all that changed: views look each row up, which costs.
+    if (firstChanged <= lastChanged) {
+        emit dataChanged(index(firstChanged, 0, parentIndex),
+                         index(lastChanged, columnCount() - 1, parentIndex));
     }
 }
 

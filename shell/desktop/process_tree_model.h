@@ -47,7 +47,11 @@ public:
 private:
     struct Node;
     void rebuild();
-    void sync(Node& parent, std::vector<std::unique_ptr<Node>> wanted);
+    void apply(const Node& wanted);
+    void addAndRemove(Node& parent, const Node& wanted);
+    bool inOrder(const Node& parent, const Node& wanted) const;
+    void reorder(Node& parent, const Node& wanted);
+    void refreshCells(Node& parent, const Node& wanted);
     QModelIndex indexOf(const Node& node, int column = 0) const;
     Node* nodeAt(const QModelIndex& index) const;
 

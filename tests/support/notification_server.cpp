@@ -28,8 +28,4 @@ uint NotificationServer::Notify(const QString& appName, uint, const QString& ico
     return static_cast<uint>(received.size());
 }
 
-QStringList NotificationServer::GetCapabilities() {
-    return {QStringLiteral("body"), QStringLiteral("sound")};
-}
-
 } // namespace loadwarden::support

@@ -35,7 +35,6 @@ public slots:
     uint Notify(const QString& appName, uint replacesID, const QString& icon,
                 const QString& summary, const QString& body, const QStringList& actions,
                 const QVariantMap& hints, int timeout);
-    QStringList GetCapabilities();
 
 private:
     QDBusConnection bus_;

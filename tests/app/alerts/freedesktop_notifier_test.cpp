@@ -27,6 +27,8 @@ TEST_F(FreedesktopNotifierTest, EveryKindReachesTheServerWithItsTexts) {
     for (const AppAlert& alert : alerts) {
         notifier.post(alert);
     }
+    // Posting returned without running the event loop that serves the server.
+    EXPECT_TRUE(server.received.empty());
     ASSERT_TRUE(support::processEventsUntil([&] { return server.received.size() == 3; }));
     for (std::size_t i = 0; i < alerts.size(); ++i) {
         const auto& received = server.received[i];
@@ -34,6 +36,7 @@ TEST_F(FreedesktopNotifierTest, EveryKindReachesTheServerWithItsTexts) {
         EXPECT_EQ(received.summary.toStdString(), AlertText::title(alerts[i]));
         EXPECT_EQ(received.body.toStdString(), AlertText::notificationBody(alerts[i]));
         EXPECT_EQ(received.hints.value("desktop-entry").toString(), "loadwarden");
+        EXPECT_TRUE(received.hints.contains("sound-name"));
     }
     EXPECT_EQ(server.received[0].summary, "Encoder is running hot");
 }

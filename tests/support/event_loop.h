@@ -4,7 +4,9 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <chrono>
 #include <functional>
+#include <thread>
 
 namespace loadwarden::support {
 
@@ -23,7 +25,9 @@ inline void ensureApplication() {
 inline bool processEventsUntil(const std::function<bool()>& done, int milliseconds = 10000) {
     const QDeadlineTimer deadline(milliseconds);
     while (!done() && !deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        // Not spinning, so the processes the test watches get the processor.
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return done();
 }

@@ -20,8 +20,9 @@ int runHistoryCommand(const std::vector<std::string>& arguments, std::ostream& o
                           // Only what was recorded; this program never records itself.
                           const HistoryReport report{
                               .range = options.range,
-                              .apps = HistoryFile().load(now, calendar).summary(
-                                  dayCount(options.range), now, calendar),
+                              .apps = HistoryFile()
+                                          .load(now, calendar)
+                                          .summary(dayCount(options.range), now, calendar),
                               .home = QDir::homePath().toStdString()};
                           if (options.json) {
                               printHistoryJSON(report, out);

@@ -22,12 +22,13 @@ struct Column {
     std::size_t width;
 };
 
+// The App history tab's own titles.
 constexpr std::array<Column, 5> columns{{
-    {"CPU TIME", 9},
-    {"PEAK MEMORY", 12},
-    {"ENERGY", 9},
-    {"NETWORK", 9},
-    {"SEEN RUNNING", 13},
+    {"CPU time", 9},
+    {"Peak memory", 12},
+    {"Energy", 9},
+    {"Network", 9},
+    {"Seen running", 13},
 }};
 
 std::array<std::string, columns.size()> figures(const UsageTotals& totals) {
@@ -45,7 +46,7 @@ void printHistoryReport(const HistoryReport& report, std::ostream& out) {
         out << "No history yet\n";
         return;
     }
-    out << padded("NAME", nameWidth, false);
+    out << padded("Name", nameWidth, false);
     for (const Column& column : columns) {
         out << padded(column.title, column.width + 2, true);
     }

@@ -32,11 +32,12 @@ std::optional<std::string> HistoryFile::save(const UsageHistory& history) const 
     if (!QDir().mkpath(folder)) {
         return "the folder " + folder.toStdString() + " could not be made";
     }
+    // Encoded first, so that the file is open no longer than the write.
+    const std::string text = encodeHistory(history);
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly)) {
         return file.errorString().toStdString();
     }
-    const std::string text = encodeHistory(history);
     file.write(text.data(), static_cast<qint64>(text.size()));
     if (!file.commit()) {
         return file.errorString().toStdString();

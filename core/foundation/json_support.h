@@ -5,6 +5,8 @@
 
 #include "core/foundation/raw_value.h"
 
+#include <concepts>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -51,6 +53,23 @@ void from_json(const nlohmann::json& j, Enum& value) {
             501, "unknown value \"" + j.get<std::string>() + "\"", &j);
     }
     value = *parsed;
+}
+
+// A whole number as JSON writes one. A number with a fraction or an exponent,
+// or one that T cannot hold, is a type error: converting it would be
+// undefined or wrap round.
+template <std::integral T>
+T wholeNumber(const nlohmann::json& j) {
+    if (j.is_number_unsigned()) {
+        if (const auto value = j.get<std::uint64_t>(); std::in_range<T>(value)) {
+            return static_cast<T>(value);
+        }
+    } else if (j.is_number_integer()) {
+        if (const auto value = j.get<std::int64_t>(); std::in_range<T>(value)) {
+            return static_cast<T>(value);
+        }
+    }
+    throw nlohmann::json::type_error::create(302, "a whole number in range is needed", &j);
 }
 
 } // namespace loadwarden

@@ -9,9 +9,12 @@
 
 namespace loadwarden {
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(UsageTotals, cpuSeconds, peakMemory, energyJoules,
-                                   networkBytes, seenSeconds)
+// Written out by hand so that the whole numbers are checked, never cast.
+void to_json(nlohmann::json& j, const UsageTotals& totals);
+void from_json(const nlohmann::json& j, UsageTotals& totals);
+void to_json(nlohmann::json& j, const UsageHistory& history);
+void from_json(const nlohmann::json& j, UsageHistory& history);
+
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(AppUsage, key, name, totals)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE(UsageHistory, version, days)
 
 } // namespace loadwarden

@@ -1,6 +1,6 @@
 #include "core/history/usage_history.h"
 
-#include "core/history/history_json.h"
+#include "core/text/utf8_repair.h"
 
 #include <algorithm>
 
@@ -9,8 +9,10 @@ namespace loadwarden {
 namespace {
 
 AppSample sampleOf(const ProcessGroup& group) {
-    return {.key = historyKey(group),
-            .name = group.name,
+    // Names from the kernel may be any bytes; the file holds UTF-8, and the
+    // key must read back as it was recorded.
+    return {.key = repairUTF8(historyKey(group)),
+            .name = repairUTF8(group.name),
             .cpuPercent = group.totalCPU(),
             .memoryBytes = group.totalMemory(),
             .energyWatts = group.totalEnergy(),
@@ -114,19 +116,20 @@ std::string historyKey(const ProcessGroup& group) {
 }
 
 std::vector<AppSample> usageSamples(const std::vector<ProcessGroup>& groups, std::int32_t ownPID) {
+    const auto isOwn = [ownPID](const LiveProcess& member) { return member.record.pid == ownPID; };
     std::vector<AppSample> samples;
     samples.reserve(groups.size());
     for (const ProcessGroup& group : groups) {
-        if (!group.isSelf) {
+        if (isOwn(group.leader)) {
+            continue; // this program, with the tools it runs
+        }
+        if (std::ranges::none_of(group.members, isOwn)) {
             samples.push_back(sampleOf(group));
             continue;
         }
         ProcessGroup others = group;
-        std::erase_if(others.members,
-                      [ownPID](const LiveProcess& member) { return member.record.pid == ownPID; });
-        if (!others.members.empty()) {
-            samples.push_back(sampleOf(others));
-        }
+        std::erase_if(others.members, isOwn);
+        samples.push_back(sampleOf(others));
     }
     return samples;
 }
@@ -143,22 +146,6 @@ std::optional<std::string> usageFolder(const AppUsage& usage, std::string_view h
         return "~" + std::string(folder.substr(home.size()));
     }
     return std::string(folder);
-}
-
-std::string encodeHistory(const UsageHistory& history) {
-    return nlohmann::json(history).dump();
-}
-
-std::optional<UsageHistory> decodeHistory(std::string_view text) {
-    try {
-        auto history = nlohmann::json::parse(text).get<UsageHistory>();
-        if (history.version >= 2) {
-            return std::nullopt;
-        }
-        return history;
-    } catch (const nlohmann::json::exception&) {
-        return std::nullopt;
-    }
 }
 
 } // namespace loadwarden

@@ -42,6 +42,9 @@ struct AppSample {
     std::optional<double> networkPerSecond; // in plus out
 
     bool operator==(const AppSample&) const = default;
+    auto fields() const {
+        return std::tie(key, name, cpuPercent, memoryBytes, energyWatts, networkPerSecond);
+    }
 };
 
 struct UsageTotals {
@@ -94,7 +97,8 @@ struct UsageHistory {
 std::string historyKey(const ProcessGroup& group);
 
 // The refresh's groups as history samples, without the program itself: its
-// own process is left out of its group, and a group of nothing else is skipped.
+// own process is left out of the group it is in, and a group it leads (itself
+// and the tools it runs) is skipped.
 std::vector<AppSample> usageSamples(const std::vector<ProcessGroup>& groups, std::int32_t ownPID);
 
 // The folder of a tool recorded by its executable, with the home folder as

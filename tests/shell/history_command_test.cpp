@@ -2,6 +2,7 @@
 #include "app/foundation/clock.h"
 #include "app/foundation/local_calendar.h"
 #include "core/history/usage_history.h"
+#include "shell/history_options.h"
 #include "tests/support/program_runs.h"
 
 #include <cstdlib>
@@ -61,6 +62,7 @@ TEST_F(HistoryCommand, ListsTheChosenDaysBusiestFirst) {
 
     const std::string table = run({"--days=30"}, status);
     EXPECT_NE(table.find("App history: 30 days"), std::string::npos) << table;
+    EXPECT_NE(table.find("CPU time"), std::string::npos) << table;
     EXPECT_NE(table.find("1m 6s"), std::string::npos) << table;
 }
 
@@ -70,6 +72,11 @@ TEST_F(HistoryCommand, SaysSoWhenThereIsNoneAndRefusesOtherSpans) {
     EXPECT_EQ(status, 0);
     run({"--days", "3"}, status);
     EXPECT_EQ(status, 2);
+    for (const std::string days : {"3", "x"}) {
+        const auto parsed = parseHistoryOptions({"--days", days});
+        const auto* error = std::get_if<std::string>(&parsed);
+        EXPECT_EQ(error ? *error : "accepted", "--days takes 1, 7 or 30, not '" + days + "'");
+    }
 }
 
 } // namespace

@@ -1,13 +1,12 @@
 #include "app/history/history_file.h"
 
 #include <QTemporaryDir>
-#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace loadwarden {
@@ -16,13 +15,13 @@ namespace {
 constexpr Date now = 1'800'000'000.0;
 const Calendar utc = Calendar::fixedOffset(0);
 
-// Every kept day full of apps: a file of a few megabytes, slow enough to write
-// that a kill lands in the middle.
+// Every kept day full of apps: a file of a third of a megabyte, long enough to
+// write that a kill can land in the middle.
 UsageHistory fullHistory(double cpuPercent) {
     UsageHistory history;
     for (int day = 0; day < UsageHistory::keptDays; ++day) {
         std::vector<AppSample> samples;
-        for (int app = 0; app < 150; ++app) {
+        for (int app = 0; app < 50; ++app) {
             samples.push_back({.key = "exe:/usr/bin/tool" + std::to_string(app),
                                .name = "tool" + std::to_string(app),
                                .cpuPercent = cpuPercent,
@@ -65,25 +64,57 @@ TEST(HistoryFileTest, AFailedSaveSaysWhy) {
     EXPECT_FALSE(error->empty());
 }
 
+// What a save changes in the history's folder: the files in it (a temporary
+// one appears while a new file is written) and the history's own size and time.
+struct FolderState {
+    long files = 0;
+    std::uintmax_t size = 0;
+    std::filesystem::file_time_type written;
+
+    bool operator==(const FolderState&) const = default;
+};
+
+FolderState stateOf(const std::filesystem::path& history) {
+    std::error_code error;
+    FolderState state;
+    for (auto file = std::filesystem::directory_iterator(history.parent_path(), error);
+         file != std::filesystem::directory_iterator(); file.increment(error)) {
+        ++state.files;
+    }
+    state.size = std::filesystem::file_size(history, error);
+    state.written = std::filesystem::last_write_time(history, error);
+    return state;
+}
+
 TEST(HistoryFileTest, ASaveKilledMidWriteLeavesTheOldFileWhole) {
     QTemporaryDir folder;
     const HistoryFile file(folder.filePath("history.json").toStdString());
     const UsageHistory before = fullHistory(10.0);
+    const std::string beforeText = encodeHistory(before);
     const UsageHistory after = fullHistory(20.0);
-    ASSERT_EQ(file.save(before), std::nullopt);
 
-    for (int round = 0; round < 8; ++round) {
+    // Each saver is killed once it has begun to write, a little later each
+    // round: at once, while writing, while replacing, during the next save.
+    for (int round = 0; round < 12; ++round) {
+        std::ofstream(file.path()) << beforeText;
+        const FolderState untouched = stateOf(file.path());
         const pid_t saver = fork();
         if (saver == 0) {
-            for (;;) {
-                file.save(after);
+            while (!file.save(after)) {
             }
+            _exit(1);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(3 + 5 * round));
+        const long wait = (1L << round) - 1;
+        bool saving = true;
+        for (long seen = 0; saving && seen <= wait;
+             saving = waitpid(saver, nullptr, WNOHANG) == 0) {
+            seen += stateOf(file.path()) == untouched ? 0 : 1;
+        }
+        ASSERT_TRUE(saving) << "a save failed";
         kill(saver, SIGKILL);
         waitpid(saver, nullptr, 0);
         const auto found = decodeHistory(contentsOf(file.path()));
-        ASSERT_TRUE(found) << "torn after " << round << " rounds";
+        ASSERT_TRUE(found) << "torn in round " << round;
         EXPECT_TRUE(*found == before || *found == after);
     }
 }

@@ -1,3 +1,4 @@
+#include "core/history/history_json.h"
 #include "core/history/usage_history.h"
 #include "tests/core/grouping/process_fixtures.h"
 
@@ -93,17 +94,28 @@ TEST(UsageHistoryTest, KeysToolsByTheirExecutableAndLeavesTheProgramItselfOut) {
 
     // This program runs inside a terminal's group: the terminal is still counted.
     LiveProcess terminal = process(50, "terminal", "/usr/bin/terminal");
-    terminal.rates.cpuPercent = 5;
+    terminal.record.memoryBytes = 300;
+    terminal.rates = {.cpuPercent = 5, .energyWatts = 1.5};
     LiveProcess self = process(51, "loadwarden", "/usr/bin/loadwarden", 50);
-    self.rates.cpuPercent = 40;
+    self.record.memoryBytes = 700;
+    self.rates = {.cpuPercent = 40, .energyWatts = 3.0};
     ProcessGroup shared = groupOf({terminal, self});
     shared.isSelf = true;
-    ProcessGroup alone = groupOf({self});
-    alone.isSelf = true;
-    const auto samples = usageSamples({shared, alone}, 51);
-    ASSERT_EQ(samples.size(), 1u);
-    EXPECT_EQ(samples[0].key, "exe:/usr/bin/terminal");
-    EXPECT_DOUBLE_EQ(samples[0].cpuPercent, 5.0);
+    // The group it leads is itself with the tools it runs.
+    ProcessGroup led = groupOf({self, process(52, "ss", "/usr/bin/ss", 51)});
+    led.isSelf = true;
+    // Names from the kernel may be any bytes; keys and names are kept as UTF-8.
+    const ProcessGroup odd = groupOf({process(60, "t\xff", "/tmp/t\xff")});
+    const auto samples = usageSamples({shared, led, odd}, 51);
+    ASSERT_EQ(samples.size(), 2u);
+    EXPECT_EQ(samples[0], (AppSample{.key = "exe:/usr/bin/terminal",
+                                     .name = "terminal",
+                                     .cpuPercent = 5,
+                                     .memoryBytes = 300,
+                                     .energyWatts = 1.5,
+                                     .networkPerSecond = std::nullopt}));
+    EXPECT_EQ(samples[1].key, "exe:/tmp/t\uFFFD");
+    EXPECT_EQ(samples[1].name, "t\uFFFD");
 }
 
 TEST(UsageHistoryTest, FileShapeRoundTripsAndNewerVersionsAreNotRead) {
@@ -115,9 +127,17 @@ TEST(UsageHistoryTest, FileShapeRoundTripsAndNewerVersionsAreNotRead) {
     EXPECT_EQ(json.begin().key(), "days"); // sorted keys
     EXPECT_EQ(json["days"]["2027-01-15"]["exe:/home/ann/bin/sync"]["totals"].size(), 5u);
 
-    EXPECT_FALSE(decodeHistory(R"({"days":{},"version":2})"));
-    EXPECT_FALSE(decodeHistory(R"({"days":[]})"));
-    EXPECT_FALSE(decodeHistory("not json"));
+    // Not read: a newer version, the wrong shape, whole numbers that are not.
+    for (const char* unread : {R"({"days":{},"version":2})", R"({"days":[],"version":1})",
+                               R"({"days":{},"version":1e300})", "not json"}) {
+        EXPECT_FALSE(decodeHistory(unread)) << unread;
+    }
+    auto totals = json["days"]["2027-01-15"]["exe:/home/ann/bin/sync"]["totals"];
+    for (const nlohmann::json& peak :
+         {nlohmann::json(-1), nlohmann::json(1.5), nlohmann::json(1e300)}) {
+        totals["peakMemory"] = peak;
+        EXPECT_THROW(totals.get<UsageTotals>(), nlohmann::json::exception) << peak;
+    }
 
     const AppUsage& usage = history.days.begin()->second.begin()->second;
     EXPECT_EQ(usageFolder(usage, "/home/ann"), "~/bin");

@@ -54,43 +54,27 @@ void MainWindow::buildMenus() {
 
     // The commands on the selected row, as the menu bar offers them.
     QMenu* process = menuBar()->addMenu(QStringLiteral("&Process"));
-    const auto app = [this] { return processes_->selectedParentGroup(); };
-    const auto single = [this] { return processes_->selectedGroup(); };
-    quitApp_ = process->addAction(QStringLiteral("Quit Selected App"), this, [this, app] {
-        if (const auto* group = app()) {
-            actions_.quit(*group);
-        }
-    });
-    forceQuitApp_ = process->addAction(QStringLiteral("Force Quit Selected App…"), this,
-                                       [this, app] {
-                                           if (const auto* group = app()) {
-                                               actions_.forceQuit(*group);
-                                           }
-                                       });
-    pauseApp_ = process->addAction(QStringLiteral("Pause or Resume Selected App"), this,
-                                   [this, app] {
-                                       if (const auto* group = app()) {
-                                           actions_.pauseOrResume(*group);
-                                       }
-                                   });
+    // Each acts on the selected app (the group a member row belongs to) or
+    // on the selected row alone.
+    const auto command = [this, process](const char* title, bool wholeApp, auto act) {
+        return process->addAction(QString::fromUtf8(title), this, [this, wholeApp, act] {
+            const ProcessGroup* group = wholeApp ? processes_->selectedParentGroup()
+                                                 : processes_->selectedGroup();
+            if (group) {
+                act(*group);
+            }
+        });
+    };
+    const auto quitOrEnd = [this](const ProcessGroup& group) { actions_.quit(group); };
+    const auto forceQuit = [this](const ProcessGroup& group) { actions_.forceQuit(group); };
+    const auto pauseOrResume = [this](const ProcessGroup& group) { actions_.pauseOrResume(group); };
+    quitApp_ = command("Quit Selected App", true, quitOrEnd);
+    forceQuitApp_ = command("Force Quit Selected App…", true, forceQuit);
+    pauseApp_ = command("Pause or Resume Selected App", true, pauseOrResume);
     process->addSeparator();
-    pauseProcess_ = process->addAction(QStringLiteral("Pause or Resume Selected Process"), this,
-                                       [this, single] {
-                                           if (const auto* group = single()) {
-                                               actions_.pauseOrResume(*group);
-                                           }
-                                       });
-    forceQuitProcess_ = process->addAction(QStringLiteral("Force Quit Selected Process…"), this,
-                                           [this, single] {
-                                               if (const auto* group = single()) {
-                                                   actions_.forceQuit(*group);
-                                               }
-                                           });
-    endProcess_ = process->addAction(QStringLiteral("End Selected Process"), this, [this, single] {
-        if (const auto* group = single()) {
-            actions_.quit(*group);
-        }
-    });
+    pauseProcess_ = command("Pause or Resume Selected Process", false, pauseOrResume);
+    forceQuitProcess_ = command("Force Quit Selected Process…", false, forceQuit);
+    endProcess_ = command("End Selected Process", false, quitOrEnd);
 }
 
 // Enabled only where the policy offers the action for the selected row.

@@ -8,10 +8,6 @@ bool ProcessIdentity::sameStart(const ProcessRecord& a, const ProcessRecord& b) 
     return a.started == b.started || a.started == 0.0 || b.started == 0.0;
 }
 
-bool ProcessIdentity::sameProcess(const ProcessRecord& a, const ProcessRecord& b) {
-    return a.pid == b.pid && sameStart(a, b);
-}
-
 namespace {
 
 constexpr double nanosecondsPerSecond = 1e9;

@@ -10,10 +10,10 @@ namespace loadwarden {
 
 namespace ProcessIdentity {
 
-// A process is known across ticks by its pid and start time; an unknown (0)
-// start time never breaks the match, a reused pid always does.
+// Two readings of one pid are of the same process when they started at the
+// same moment; an unknown (0) start time never breaks the match, so a reused
+// pid is told apart wherever start times are known.
 bool sameStart(const ProcessRecord& a, const ProcessRecord& b);
-bool sameProcess(const ProcessRecord& a, const ProcessRecord& b);
 
 } // namespace ProcessIdentity
 

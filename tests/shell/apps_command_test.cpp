@@ -4,6 +4,7 @@
 #include "shell/apps_options.h"
 #include "shell/apps_report.h"
 #include "shell/commands.h"
+#include "tests/core/grouping/process_fixtures.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +30,8 @@ TEST(AppsOptions, ColumnOrderSearchAndItsOwnLongestInterval) {
 
     const std::pair<std::vector<std::string>, std::string> cases[] = {
         {{"--sort"}, "--sort needs a column: name, cpu, memory, energy, disk, network or gpu"},
-        {{"--sort", "CPU"}, "--sort takes name, cpu, memory, energy, disk, network or gpu, not 'CPU'"},
+        {{"--sort", "CPU"},
+         "--sort takes name, cpu, memory, energy, disk, network or gpu, not 'CPU'"},
         {{"--search"}, "--search needs the text to look for"},
         {{"--interval", "61"}, "--interval takes seconds above 0 and up to 60, not '61'"},
     };
@@ -42,15 +44,8 @@ TEST(AppsOptions, ColumnOrderSearchAndItsOwnLongestInterval) {
 
 LiveProcess process(std::int32_t pid, std::string name, std::string path, bool isOwn = true,
                     double cpu = 0.0) {
-    LiveProcess live;
-    live.record = {.pid = pid,
-                   .ppid = 1,
-                   .responsiblePID = pid,
-                   .name = std::move(name),
-                   .path = std::move(path),
-                   .isOwn = isOwn,
-                   .memoryBytes = 1'000'000,
-                   .state = RunState::sleeping};
+    LiveProcess live = fixtures::process(pid, std::move(name), std::move(path), 1, isOwn);
+    live.record.memoryBytes = 1'000'000;
     live.rates.cpuPercent = cpu;
     return live;
 }

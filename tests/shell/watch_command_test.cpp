@@ -57,11 +57,5 @@ TEST_F(WatchCommand, PrintsTheMeterEveryRefreshAndSavesTheHistoryWhenTerminated)
     EXPECT_TRUE(std::filesystem::exists(home / "data/Loadwarden/history.json"));
 }
 
-TEST_F(WatchCommand, RejectsABadInterval) {
-    EXPECT_EQ(support::exitStatusOf(
-                  support::spawn({LOADWARDEN_PROGRAM, "watch", "--interval", "soon"})),
-              2);
-}
-
 } // namespace
 } // namespace loadwarden

@@ -115,12 +115,6 @@ TEST_F(NetworkMonitorTest, KilledRunWidensTheGapAndItsOutputIsNeverUsed) {
     EXPECT_TRUE(monitor.poke(watched, start + 48.0));
 }
 
-TEST_F(NetworkMonitorTest, RatesGoStaleAfterTwiceTheGapAndTenSeconds) {
-    runTwice();
-    EXPECT_TRUE(monitor.rates(watched, start + 10.0 + 21.9));
-    EXPECT_FALSE(monitor.rates(watched, start + 10.0 + 22.0));
-}
-
 TEST(NetworkMonitor, DestroyingWaitsForARunInProgressToFinish) {
     const auto finished = std::filesystem::temp_directory_path() /
                           ("network-monitor-finished-" + std::to_string(::getpid()));

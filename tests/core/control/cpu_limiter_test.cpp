@@ -32,12 +32,5 @@ TEST(CPULimiter, MovesHalfwayTowardTheShareThatMeetsTheLimit) {
     EXPECT_DOUBLE_EQ(full.runShare, 1.0);
 }
 
-TEST(CPULimiter, ShortStopsAreSkipped) {
-    CPULimiter nearlyFull(98.5, std::nullopt);
-    EXPECT_NEAR(nearlyFull.stopTime(), 0.0015, 1e-12);
-    EXPECT_LT(nearlyFull.stopTime(), CPULimiter::shortestStop);
-    EXPECT_NEAR(nearlyFull.runTime() + nearlyFull.stopTime(), CPULimiter::period, 1e-12);
-}
-
 } // namespace
 } // namespace loadwarden

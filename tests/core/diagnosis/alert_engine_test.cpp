@@ -1,6 +1,5 @@
 #include "core/diagnosis/alert_engine.h"
 #include "core/diagnosis/alert_text.h"
-#include "core/diagnosis/diagnosis_json.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -197,14 +196,6 @@ TEST(BannerRule, BannersLastThreeMinutesAndHotOnesGoWithTheirApp) {
     EXPECT_EQ(BannerRule::visible(recent, {"app:/B.app"}, raised + 180).size(), 2u);
     EXPECT_EQ(BannerRule::visible(recent, {}, raised + 60), (std::vector{recent[0]}));
     EXPECT_TRUE(BannerRule::visible(recent, {"app:/B.app"}, raised + 181).empty());
-}
-
-TEST(AlertSettingsJson, StoredUnderFieldNamesAndDecodedWholeOrNotAtAll) {
-    const AlertSettings custom{.hotPercent = 150, .stuckEnabled = false, .repeatMinutes = 15};
-    nlohmann::json j = custom;
-    EXPECT_EQ(j.get<AlertSettings>(), custom);
-    j.erase("hotMinutes");
-    EXPECT_THROW(j.get<AlertSettings>(), nlohmann::json::exception);
 }
 
 } // namespace

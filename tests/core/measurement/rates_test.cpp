@@ -95,18 +95,5 @@ TEST(Rates, NetworkNeedsTheSameProcessOnBothSides) {
     EXPECT_FALSE(noCurrent.networkOutPerSecond);
 }
 
-TEST(ProcessIdentity, PidAndStartTimeTogether) {
-    auto a = record(100.25, 0);
-    auto b = record(100.25, 0);
-    EXPECT_TRUE(ProcessIdentity::sameProcess(a, b));
-    b.started = 0;
-    EXPECT_TRUE(ProcessIdentity::sameProcess(a, b));
-    b.started = 100.5;
-    EXPECT_FALSE(ProcessIdentity::sameProcess(a, b));
-    b = a;
-    b.pid = 43;
-    EXPECT_FALSE(ProcessIdentity::sameProcess(a, b));
-}
-
 } // namespace
 } // namespace loadwarden

@@ -35,11 +35,5 @@ TEST(Series, NonFiniteValuesAreStoredAsZero) {
     EXPECT_THAT(series.values(), ElementsAre(0.0, 0.0, 0.5));
 }
 
-TEST(Series, EqualityTakesValuesAndCapacity) {
-    EXPECT_EQ(Series(3, {1}), Series(3, {1}));
-    EXPECT_NE(Series(3, {1}), Series(4, {1}));
-    EXPECT_NE(Series(3, {1}), Series(3, {2}));
-}
-
 } // namespace
 } // namespace loadwarden

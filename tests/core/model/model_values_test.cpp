@@ -29,13 +29,7 @@ SystemSample sampleAt(std::vector<double> cores) {
 } // namespace
 
 TEST(AppSettingsTest, FirstStartAndDamagedValuesGiveTheDefaults) {
-    const AppSettings defaults = decodeSettings(std::nullopt);
-    EXPECT_EQ(defaults.interval, 2.0);
-    EXPECT_TRUE(defaults.showMenuBar);
-    EXPECT_TRUE(defaults.hotKey);
-    EXPECT_FALSE(defaults.onboardingDone);
-    EXPECT_TRUE(defaults.alerts.hotEnabled && defaults.alerts.leakEnabled &&
-                defaults.alerts.stuckEnabled);
+    EXPECT_EQ(decodeSettings(std::nullopt), AppSettings{});
 
     AppSettings changed;
     changed.interval = 5.0;
@@ -88,8 +82,8 @@ TEST(MenuBarStateTest, NamesTheBusiestAppFromHalfACore) {
     EXPECT_EQ(MenuBarState::compute(sample, {}, false).text, "25%");
 
     const auto at = [&](double percent) {
-        return MenuBarState::compute(
-                   sample, {groupUsing(10, "Compressor Deluxe Edition", percent)}, false)
+        return MenuBarState::compute(sample, {groupUsing(10, "Compressor Deluxe Edition", percent)},
+                                     false)
             .text;
     };
     EXPECT_EQ(at(49.9), "25%");
@@ -99,9 +93,9 @@ TEST(MenuBarStateTest, NamesTheBusiestAppFromHalfACore) {
     // of the rest is, cut at 14 characters, not bytes.
     ProcessGroup self = groupUsing(20, "Loadwarden", 300);
     self.isSelf = true;
-    const std::vector<ProcessGroup> groups{
-        groupUsing(1, "kernel_task", 400, GroupKind::system), self,
-        groupUsing(30, "Überweisungsprüfer", 80), groupUsing(31, "Mail", 79)};
+    const std::vector<ProcessGroup> groups{groupUsing(1, "kernel_task", 400, GroupKind::system),
+                                           self, groupUsing(30, "Überweisungsprüfer", 80),
+                                           groupUsing(31, "Mail", 79)};
     EXPECT_EQ(MenuBarState::compute(sample, groups, true).text, "25% · Überweisungspr");
     EXPECT_TRUE(MenuBarState::compute(sample, groups, true).busy);
 

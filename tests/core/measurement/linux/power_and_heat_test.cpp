@@ -2,20 +2,24 @@
 #include "core/measurement/linux/thermal_zones.h"
 
 #include <gtest/gtest.h>
+#include <ranges>
+#include <string>
 
 namespace loadwarden {
 namespace {
 
+// A power supply from its uevent's fields: "TYPE=Battery STATUS=Charging …".
+PowerSupply supply(std::string_view fields) {
+    std::string uevent;
+    for (const auto field : std::views::split(fields, ' ')) {
+        uevent += "POWER_SUPPLY_" + std::string(field.begin(), field.end()) + "\n";
+    }
+    return parsePowerSupplyUevent(uevent);
+}
+
 const PowerSupply laptopBattery =
-    parsePowerSupplyUevent("POWER_SUPPLY_NAME=BAT0\n"
-                           "POWER_SUPPLY_TYPE=Battery\n"
-                           "POWER_SUPPLY_STATUS=Discharging\n"
-                           "POWER_SUPPLY_CYCLE_COUNT=412\n"
-                           "POWER_SUPPLY_POWER_NOW=10000000\n"
-                           "POWER_SUPPLY_ENERGY_FULL_DESIGN=57000000\n"
-                           "POWER_SUPPLY_ENERGY_FULL=51300000\n"
-                           "POWER_SUPPLY_ENERGY_NOW=25000000\n"
-                           "POWER_SUPPLY_CAPACITY=49\n");
+    supply("NAME=BAT0 TYPE=Battery STATUS=Discharging CYCLE_COUNT=412 POWER_NOW=10000000 "
+           "ENERGY_FULL_DESIGN=57000000 ENERGY_FULL=51300000 ENERGY_NOW=25000000 CAPACITY=49");
 
 TEST(LinuxBattery, DischargingLaptop) {
     EXPECT_TRUE(isSystemBattery(laptopBattery));
@@ -29,11 +33,8 @@ TEST(LinuxBattery, DischargingLaptop) {
 }
 
 TEST(LinuxBattery, ChargeFamilyZeroCyclesAndMains) {
-    const auto battery = parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Battery\n"
-                                                "POWER_SUPPLY_STATUS=Charging\n"
-                                                "POWER_SUPPLY_CYCLE_COUNT=0\n"
-                                                "POWER_SUPPLY_CHARGE_FULL=4000000\n"
-                                                "POWER_SUPPLY_CHARGE_NOW=1000000\n");
+    const auto battery =
+        supply("TYPE=Battery STATUS=Charging CYCLE_COUNT=0 CHARGE_FULL=4000000 CHARGE_NOW=1000000");
     const auto info = *batteryInfoFromSupplies({battery}, true);
     EXPECT_DOUBLE_EQ(info.percent, 0.25); // no capacity figure: charge now over full
     EXPECT_TRUE(info.charging);
@@ -47,45 +48,27 @@ TEST(LinuxBattery, ChargeFamilyZeroCyclesAndMains) {
     EXPECT_FALSE(batteryInfoFromSupplies({battery}, std::nullopt)->onBattery);
     EXPECT_FALSE(batteryInfoFromSupplies({}, true)); // a desktop
     // A drain the sensor barely registers promises no time at all.
-    const auto trickle = parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Battery\n"
-                                                "POWER_SUPPLY_STATUS=Discharging\n"
-                                                "POWER_SUPPLY_ENERGY_NOW=50000000\n"
-                                                "POWER_SUPPLY_POWER_NOW=3\n"
-                                                "POWER_SUPPLY_CYCLE_COUNT=99999999999\n");
+    const auto trickle = supply(
+        "TYPE=Battery STATUS=Discharging ENERGY_NOW=50000000 POWER_NOW=3 CYCLE_COUNT=99999999999");
     EXPECT_FALSE(batteryInfoFromSupplies({trickle}, false)->minutesLeft);
     EXPECT_FALSE(batteryInfoFromSupplies({trickle}, false)->cycleCount);
 
-    EXPECT_EQ(
-        mainsOnline(parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Mains\nPOWER_SUPPLY_ONLINE=1\n")),
-        true);
-    EXPECT_EQ(
-        mainsOnline(parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Mains\nPOWER_SUPPLY_ONLINE=0\n")),
-        false);
+    EXPECT_EQ(mainsOnline(supply("TYPE=Mains ONLINE=1")), true);
+    EXPECT_EQ(mainsOnline(supply("TYPE=Mains ONLINE=0")), false);
     EXPECT_EQ(mainsOnline(laptopBattery), std::nullopt);
     // A wireless mouse's battery is not the computer's.
-    EXPECT_FALSE(isSystemBattery(parsePowerSupplyUevent(
-        "POWER_SUPPLY_TYPE=Battery\nPOWER_SUPPLY_SCOPE=Device\nPOWER_SUPPLY_CAPACITY=80\n")));
+    EXPECT_FALSE(isSystemBattery(supply("TYPE=Battery SCOPE=Device CAPACITY=80")));
 }
 
 TEST(LinuxBattery, TwoBatteriesCountAsOne) {
     // A laptop with a small internal and a large swappable battery: the
     // internal one is drained first while the other waits.
-    const auto internal = parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Battery\n"
-                                                 "POWER_SUPPLY_STATUS=Discharging\n"
-                                                 "POWER_SUPPLY_CYCLE_COUNT=300\n"
-                                                 "POWER_SUPPLY_POWER_NOW=12000000\n"
-                                                 "POWER_SUPPLY_ENERGY_FULL_DESIGN=24000000\n"
-                                                 "POWER_SUPPLY_ENERGY_FULL=20000000\n"
-                                                 "POWER_SUPPLY_ENERGY_NOW=4000000\n"
-                                                 "POWER_SUPPLY_CAPACITY=20\n");
-    const auto swappable = parsePowerSupplyUevent("POWER_SUPPLY_TYPE=Battery\n"
-                                                  "POWER_SUPPLY_STATUS=Unknown\n"
-                                                  "POWER_SUPPLY_CYCLE_COUNT=120\n"
-                                                  "POWER_SUPPLY_POWER_NOW=0\n"
-                                                  "POWER_SUPPLY_ENERGY_FULL_DESIGN=72000000\n"
-                                                  "POWER_SUPPLY_ENERGY_FULL=60000000\n"
-                                                  "POWER_SUPPLY_ENERGY_NOW=56000000\n"
-                                                  "POWER_SUPPLY_CAPACITY=93\n");
+    const auto internal =
+        supply("TYPE=Battery STATUS=Discharging CYCLE_COUNT=300 POWER_NOW=12000000 "
+               "ENERGY_FULL_DESIGN=24000000 ENERGY_FULL=20000000 ENERGY_NOW=4000000 CAPACITY=20");
+    const auto swappable =
+        supply("TYPE=Battery STATUS=Unknown CYCLE_COUNT=120 POWER_NOW=0 "
+               "ENERGY_FULL_DESIGN=72000000 ENERGY_FULL=60000000 ENERGY_NOW=56000000 CAPACITY=93");
     const auto info = *batteryInfoFromSupplies({internal, swappable}, false);
     EXPECT_DOUBLE_EQ(info.percent, 0.75); // 60 of 80 Wh, not the mean of 20 % and 93 %
     EXPECT_TRUE(info.onBattery);

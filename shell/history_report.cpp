@@ -1,8 +1,7 @@
 #include "shell/history_report.h"
 
 #include "core/history/history_json.h"
-#include "core/text/duration_format.h"
-#include "core/text/units_format.h"
+#include "core/history/usage_figures.h"
 #include "shell/terminal_text.h"
 
 #include <array>
@@ -16,27 +15,8 @@ using TerminalText::fitted;
 using TerminalText::padded;
 
 constexpr std::size_t nameWidth = 28;
-
-struct Column {
-    std::string_view title;
-    std::size_t width;
-};
-
-// The App history tab's own titles.
-constexpr std::array<Column, 5> columns{{
-    {"CPU time", 9},
-    {"Peak memory", 12},
-    {"Energy", 9},
-    {"Network", 9},
-    {"Seen running", 13},
-}};
-
-std::array<std::string, columns.size()> figures(const UsageTotals& totals) {
-    // No energy at all means the system gave no figure, as Linux never does.
-    return {abbreviatedDuration(totals.cpuSeconds), formatBytes(totals.peakMemory),
-            totals.energyJoules > 0 ? formatWattHours(totals.energyJoules) : "-",
-            formatByteAmount(totals.networkBytes), abbreviatedDuration(totals.seenSeconds)};
-}
+// Wide enough for each column's title.
+constexpr std::array<std::size_t, usageColumnTitles.size()> columnWidths{9, 12, 9, 9, 13};
 
 } // namespace
 
@@ -47,15 +27,15 @@ void printHistoryReport(const HistoryReport& report, std::ostream& out) {
         return;
     }
     out << padded("Name", nameWidth, false);
-    for (const Column& column : columns) {
-        out << padded(column.title, column.width + 2, true);
+    for (std::size_t i = 0; i < usageColumnTitles.size(); ++i) {
+        out << padded(usageColumnTitles[i], columnWidths[i] + 2, true);
     }
     out << '\n';
     for (const AppUsage& app : report.apps) {
         out << padded(fitted(app.name, nameWidth - 1), nameWidth, false);
-        const auto values = figures(app.totals);
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            out << padded(values[i], columns[i].width + 2, true);
+        const auto values = usageFigures(app.totals);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            out << padded(values[i], columnWidths[i] + 2, true);
         }
         if (const auto folder = usageFolder(app, report.home)) {
             out << "  " << *folder;

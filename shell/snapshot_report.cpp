@@ -13,7 +13,6 @@ namespace loadwarden {
 
 namespace {
 
-constexpr std::string_view dash = "-";
 
 struct Column {
     std::string_view title;
@@ -57,12 +56,12 @@ void printRow(const std::array<std::string, columns.size()>& cells, std::ostream
 }
 
 std::string optionalRate(const std::optional<double>& bytesPerSecond) {
-    return bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(dash);
+    return bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(noFigure);
 }
 
 std::string networkCell(const ProcessRates& rates) {
     if (!rates.networkInPerSecond && !rates.networkOutPerSecond) {
-        return std::string(dash);
+        return std::string(noFigure);
     }
     return formatBytesPerSecond(rates.networkInPerSecond.value_or(0.0) +
                                 rates.networkOutPerSecond.value_or(0.0));
@@ -93,8 +92,8 @@ void printProcessTable(const Snapshot& snapshot, std::ostream& out) {
                   formatPercent(process->rates.cpuPercent), formatBytes(record.memoryBytes),
                   optionalRate(process->rates.diskBytesPerSecond), networkCell(process->rates),
                   process->rates.gpuPercent ? formatPercent(*process->rates.gpuPercent)
-                                            : std::string(dash),
-                  record.threads ? std::to_string(*record.threads) : std::string(dash),
+                                            : std::string(noFigure),
+                  record.threads ? std::to_string(*record.threads) : std::string(noFigure),
                   std::string(rawValue(record.state))},
                  out);
     }

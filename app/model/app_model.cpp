@@ -1,7 +1,7 @@
 #include "app/model/app_model.h"
 
-#include "app/foundation/local_calendar.h"
 #include "app/details/open_files.h"
+#include "app/foundation/local_calendar.h"
 #include "app/model/unresponsive_probe.h"
 #include "app/sampling/sampler.h"
 
@@ -32,12 +32,15 @@ double energyWatts(const std::vector<LiveProcess>& processes) {
     return watts;
 }
 
+// True when the value changed.
 template <typename Value, typename Signal>
-void assignIfChanged(AppModel* model, Value& field, Value value, Signal changed) {
-    if (field != value) {
-        field = std::move(value);
-        emit(model->*changed)();
+bool assignIfChanged(AppModel* model, Value& field, Value value, Signal changed) {
+    if (field == value) {
+        return false;
     }
+    field = std::move(value);
+    emit(model->*changed)();
+    return true;
 }
 
 } // namespace
@@ -62,9 +65,8 @@ AppModel::Parts AppModel::machineParts() {
 AppModel::AppModel(Parts parts, QObject* parent)
     : QObject(parent), sampler_(std::move(parts.sampler)), controller_(std::move(parts.controller)),
       notifier_(std::move(parts.notifier)), startup_(std::move(parts.startup)),
-      settingsStore_(std::move(parts.settings)),
-      historyFile_(std::move(parts.historyFile)), clock_(std::move(parts.clock)),
-      calendar_(std::move(parts.calendar)),
+      settingsStore_(std::move(parts.settings)), historyFile_(std::move(parts.historyFile)),
+      clock_(std::move(parts.clock)), calendar_(std::move(parts.calendar)),
       scheduler_(parts.scheduler ? std::move(parts.scheduler) : eventLoopScheduler(this)),
       myPID_(parts.myPID), intervalOverride_(parts.interval), settings_(settingsStore_.load()) {
     alertEngine_.settings = settings_.alerts;
@@ -94,8 +96,8 @@ void AppModel::prepareToQuit() {
 }
 
 SamplingPlan AppModel::plan() const {
-    return SamplingPlan{
-        .windowVisible = windowVisible_, .networkShown = networkShown_,
+    return SamplingPlan{.windowVisible = windowVisible_,
+                        .networkShown = networkShown_,
                         .interval = intervalOverride_.value_or(settings_.interval)};
 }
 
@@ -154,8 +156,8 @@ void AppModel::scheduleNextPass() {
 }
 
 void AppModel::applySnapshot(const Snapshot& snapshot) {
-    lastGrouped_ = ProcessGrouper::group(snapshot.processes,
-                                         runningApps_.names(snapshot.processes), myPID_);
+    lastGrouped_ =
+        ProcessGrouper::group(snapshot.processes, runningApps_.names(snapshot.processes), myPID_);
     liveGraphs_.record(snapshot.system);
     liveGraphs_.energy.append(energyWatts(snapshot.processes));
     controller_->updateLimits(lastGrouped_);
@@ -193,7 +195,10 @@ void AppModel::applyLight(const SystemSample& sample) {
 }
 
 void AppModel::publish(LiveState state) {
-    assignIfChanged(this, processes_, std::move(state.processes), &AppModel::processesChanged);
+    if (assignIfChanged(this, processes_, std::move(state.processes),
+                        &AppModel::processesChanged)) {
+        forgetFileInfoOfGoneProcesses();
+    }
     assignIfChanged(this, groups_, std::move(state.groups), &AppModel::groupsChanged);
     assignIfChanged(this, system_, std::move(state.system), &AppModel::systemChanged);
     assignIfChanged(this, hasNetwork_, state.hasNetwork, &AppModel::hasNetworkChanged);
@@ -350,14 +355,13 @@ void AppModel::inBackground(Work work, Then then) {
 }
 
 void AppModel::refreshStartupItems() {
-    inBackground([catalog = startup_, processes = latestProcesses()] {
-        return catalog->items(processes);
-    },
-                 [this](std::vector<StartupItem> items) {
-                     startupItems_ = std::move(items);
-                     startupLoaded_ = true;
-                     emit startupItemsChanged();
-                 });
+    inBackground(
+        [catalog = startup_, processes = latestProcesses()] { return catalog->items(processes); },
+        [this](std::vector<StartupItem> items) {
+            startupItems_ = std::move(items);
+            startupLoaded_ = true;
+            emit startupItemsChanged();
+        });
 }
 
 void AppModel::setStartupItemEnabled(const StartupItem& item, bool enabled) {
@@ -371,11 +375,12 @@ void AppModel::setStartupItemEnabled(const StartupItem& item, bool enabled) {
 }
 
 void AppModel::requestCodeInfo(const std::string& path) {
-    if (codeInfo_.contains(path)) {
+    if (codeInfo_.contains(path) || !codeInfoAsked_.insert(path).second) {
         return;
     }
     inBackground([cache = codeCache_, path] { return cache->info(path); },
                  [this, path](CodeInfo info) {
+                     codeInfoAsked_.erase(path);
                      codeInfo_.insert_or_assign(path, info);
                      emit codeInfoChanged();
                  });
@@ -383,11 +388,33 @@ void AppModel::requestCodeInfo(const std::string& path) {
 
 // Read again on every request: open files come and go.
 void AppModel::requestFileInfo(std::int32_t pid) {
+    if (!fileInfoAsked_.insert(pid).second) {
+        return;
+    }
     inBackground([pid] { return openFiles(pid); },
                  [this, pid](std::optional<FileInfo> info) {
+                     fileInfoAsked_.erase(pid);
                      fileInfo_.insert_or_assign(pid, std::move(info));
                      emit fileInfoChanged();
                  });
+}
+
+const ProcessGroup* AppModel::group(const std::string& id) const {
+    const auto found = std::ranges::find(groups_, id, &ProcessGroup::id);
+    return found == groups_.end() ? nullptr : &*found;
+}
+
+void AppModel::setDetailSelection(std::optional<std::int32_t> pid) {
+    assignIfChanged(this, detailSelection_, pid, &AppModel::detailSelectionChanged);
+}
+
+// What gone processes had open is of no use to anyone.
+void AppModel::forgetFileInfoOfGoneProcesses() {
+    std::set<std::int32_t> alive;
+    for (const LiveProcess& process : processes_) {
+        alive.insert(process.record.pid);
+    }
+    std::erase_if(fileInfo_, [&alive](const auto& entry) { return !alive.contains(entry.first); });
 }
 
 const std::vector<LiveProcess>& AppModel::latestProcesses() const {

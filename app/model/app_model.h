@@ -13,9 +13,9 @@
 #include "core/diagnosis/diagnosis.h"
 #include "core/foundation/calendar.h"
 #include "core/history/usage_history.h"
+#include "core/measurement/file_info.h"
 #include "core/model/app_settings.h"
 #include "core/model/graphs.h"
-#include "core/measurement/file_info.h"
 #include "core/model/menu_bar_state.h"
 #include "core/startup/startup_rows.h"
 
@@ -41,8 +41,8 @@ namespace loadwarden {
 // sampled unpublished so that nobody redraws views nobody sees.
 class AppModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool windowVisible READ windowVisible WRITE setWindowVisible NOTIFY
-                   windowVisibleChanged)
+    Q_PROPERTY(
+        bool windowVisible READ windowVisible WRITE setWindowVisible NOTIFY windowVisibleChanged)
     Q_PROPERTY(QString problem READ problem NOTIFY problemChanged)
     Q_PROPERTY(int historyDays READ historyDays WRITE setHistoryDays NOTIFY historyDaysChanged)
 
@@ -101,6 +101,8 @@ public:
 
     const std::vector<LiveProcess>& processes() const { return processes_; }
     const std::vector<ProcessGroup>& groups() const { return groups_; }
+    // The published group of that id; null when it is gone.
+    const ProcessGroup* group(const std::string& id) const;
     const SystemSample& system() const { return system_; }
     const Graphs& graphs() const { return graphs_; }
     bool hasNetwork() const { return hasNetwork_; }
@@ -119,6 +121,7 @@ public:
 
     // Read in the background; startupItemsChanged tells when they are in.
     void refreshStartupItems();
+    bool canChangeStartupItem(const StartupItem& item) const { return startup_->canChange(item); }
     // Switched in the background, then read again; a refusal becomes the problem.
     void setStartupItemEnabled(const StartupItem& item, bool enabled);
     const std::vector<StartupItem>& startupItems() const { return startupItems_; }
@@ -133,6 +136,10 @@ public:
     const std::map<std::string, CodeInfo>& codeInfo() const { return codeInfo_; }
     // Absent for the processes the system tells nothing about.
     const std::map<std::int32_t, std::optional<FileInfo>>& fileInfo() const { return fileInfo_; }
+
+    // The process the Details tab has selected.
+    std::optional<std::int32_t> detailSelection() const { return detailSelection_; }
+    void setDetailSelection(std::optional<std::int32_t> pid);
 
     // What slows the computer down as of the last tick, with the leaks,
     // unresponsive apps and heavy startup items only a running model knows.
@@ -159,6 +166,7 @@ signals:
     void startupItemsChanged();
     void codeInfoChanged();
     void fileInfoChanged();
+    void detailSelectionChanged();
     // After every tick, published or not.
     void ticked();
 
@@ -184,6 +192,7 @@ private:
     void raiseAlerts(const std::set<std::string>& stuck, Date now);
     std::set<std::string> unresponsiveKeys() const;
     const std::vector<LiveProcess>& latestProcesses() const;
+    void forgetFileInfoOfGoneProcesses();
     // Runs `work` on the model's own pool; `then` gets its result back here.
     template <typename Work, typename Then>
     void inBackground(Work work, Then then);
@@ -233,6 +242,10 @@ private:
     bool startupLoaded_ = false;
     std::map<std::string, CodeInfo> codeInfo_;
     std::map<std::int32_t, std::optional<FileInfo>> fileInfo_;
+    // Asked for and not answered yet, so that a view asking on every repaint reads once.
+    std::set<std::string> codeInfoAsked_;
+    std::set<std::int32_t> fileInfoAsked_;
+    std::optional<std::int32_t> detailSelection_;
     QThreadPool background_; // last: waited for before the rest goes
 };
 

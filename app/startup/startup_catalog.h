@@ -19,6 +19,9 @@ public:
 
     // `processes`: the running ones, where login items are found.
     virtual std::vector<StartupItem> items(const std::vector<LiveProcess>& processes) = 0;
+    // Whether the user may switch the item without an administrator; cheap,
+    // read nothing.
+    virtual bool canChange(const StartupItem& item) const = 0;
     // Nothing once switched; else what to tell the user.
     virtual std::optional<std::string> setEnabled(const StartupItem& item, bool enabled) = 0;
 };

@@ -7,10 +7,8 @@ namespace loadwarden {
 
 namespace {
 
-constexpr std::string_view dash = "-";
-
 Figure rate(std::optional<double> bytesPerSecond, Heat::Metric metric) {
-    return {bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(dash),
+    return {bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(noFigure),
             Heat::level(bytesPerSecond, metric)};
 }
 
@@ -20,11 +18,11 @@ RowFigures figures(double cpu, std::uint64_t memory, std::optional<double> energ
     return {{
         {formatPercent(cpu), Heat::level(cpu, Heat::Metric::cpu)},
         {formatBytes(memory), Heat::level(static_cast<double>(memory), Heat::Metric::memory)},
-        {energy ? formatWatts(*energy) : std::string(dash),
+        {energy ? formatWatts(*energy) : std::string(noFigure),
          Heat::level(energy, Heat::Metric::energy)},
         rate(disk, Heat::Metric::disk),
         rate(network, Heat::Metric::network),
-        {gpu ? formatPercent(*gpu) : std::string(dash), Heat::level(gpu, Heat::Metric::gpu)},
+        {gpu ? formatPercent(*gpu) : std::string(noFigure), Heat::level(gpu, Heat::Metric::gpu)},
     }};
 }
 

@@ -6,6 +6,9 @@
 
 namespace loadwarden {
 
+// What every face shows where the system gives no figure.
+inline constexpr std::string_view noFigure = "-";
+
 // Byte counts in decimal units as people read them: "512 bytes", "340 KB",
 // "1.5 GB". One decimal below 10 of a unit, whole numbers from 10 up.
 std::string formatBytes(std::uint64_t bytes);

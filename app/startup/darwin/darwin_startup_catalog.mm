@@ -134,6 +134,10 @@ public:
         }
     }
 
+    bool canChange(const StartupItem& item) const override {
+        return !item.launchctlCommands(true, getuid()).empty();
+    }
+
     std::optional<std::string> setEnabled(const StartupItem& item, bool enabled) override {
         const auto commands = item.launchctlCommands(enabled, getuid());
         if (commands.empty()) {

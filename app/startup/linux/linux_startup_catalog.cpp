@@ -73,10 +73,9 @@ std::string firstExisting(std::initializer_list<const char*> paths) {
 std::optional<std::string> run(const std::vector<std::string>& arguments) {
     const std::string& tool = arguments.front();
     const std::string path = firstExisting({"/usr/bin/systemctl", "/bin/systemctl"});
-    const auto result =
-        path.empty() ? std::nullopt
-                     : Spawn::run(path, {arguments.begin() + 1, arguments.end()}, toolTimeout,
-                                  std::nullopt);
+    const auto result = path.empty() ? std::nullopt
+                                     : Spawn::run(path, {arguments.begin() + 1, arguments.end()},
+                                                  toolTimeout, std::nullopt);
     if (!result) {
         return StartupText::toolDidNotStart(tool);
     }
@@ -153,7 +152,7 @@ void LinuxStartupCatalog::addUnits(std::vector<StartupItem>& items) const {
         const bool system = &source.folders == &folders_.systemUnits;
         std::set<std::string> seen; // the first folder to hold a unit wins
         for (const std::string& folder : source.folders) {
-            const StartupScope scope = system               ? StartupScope::systemDaemon
+            const StartupScope scope = system                ? StartupScope::systemDaemon
                                        : folder == userUnits ? StartupScope::userAgent
                                                              : StartupScope::systemAgent;
             for (const auto& [name, path] : filesIn(folder, ".service")) {
@@ -213,6 +212,11 @@ void LinuxStartupCatalog::addAutostartEntries(std::vector<StartupItem>& items) c
 
 std::string LinuxStartupCatalog::userAutostartFolder() const {
     return folders_.configHome + "/autostart";
+}
+
+// Whether there is a plan at all does not hang on what the user's copy says.
+bool LinuxStartupCatalog::canChange(const StartupItem& item) const {
+    return LinuxStartup::change(item, false, userAutostartFolder(), std::nullopt).has_value();
 }
 
 std::optional<std::string> LinuxStartupCatalog::setEnabled(const StartupItem& item, bool enabled) {

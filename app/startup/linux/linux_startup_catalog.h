@@ -28,6 +28,7 @@ public:
     explicit LinuxStartupCatalog(LinuxStartupFolders folders) : folders_(std::move(folders)) {}
 
     std::vector<StartupItem> items(const std::vector<LiveProcess>& processes) override;
+    bool canChange(const StartupItem& item) const override;
     std::optional<std::string> setEnabled(const StartupItem& item, bool enabled) override;
 
 private:

@@ -67,8 +67,9 @@ public:
         }
         return items;
     }
+    bool canChange(const StartupItem& item) const override { return item.label != "c"; }
     std::optional<std::string> setEnabled(const StartupItem& item, bool enabled) override {
-        if (item.label == "c") {
+        if (!canChange(item)) {
             return "only an administrator";
         }
         if (enabled) {

@@ -46,11 +46,14 @@ int main(int argc, char** argv) {
 
     QObject::connect(&instance, &SingleInstance::activated, &window, &MainWindow::bringForward);
     QObject::connect(&meter, &MenuBarMeter::openRequested, &window, &MainWindow::bringForward);
+    QObject::connect(&meter, &MenuBarMeter::whyRequested, &window, [&window] {
+        window.bringForward();
+        window.showWhySheet();
+    });
     QObject::connect(&meter, &MenuBarMeter::quitRequested, &application, &QApplication::quit);
     QObject::connect(&window, &MainWindow::quitRequested, &application, &QApplication::quit);
     QSocketNotifier quitNotifier(quitSignals.descriptor(), QSocketNotifier::Read);
-    QObject::connect(&quitNotifier, &QSocketNotifier::activated, &application,
-                     &QApplication::quit);
+    QObject::connect(&quitNotifier, &QSocketNotifier::activated, &application, &QApplication::quit);
     // The loop stops, everything held runs again, the history is saved.
     QObject::connect(&application, &QApplication::aboutToQuit, &model, &AppModel::prepareToQuit);
 

@@ -1,6 +1,15 @@
 #include "shell/desktop/main_window.h"
 
+#include "core/diagnosis/cause_text.h"
+#include "core/text/platform_wording.h"
+#include "shell/desktop/command_palette.h"
+#include "shell/desktop/delete_history.h"
+#include "shell/desktop/details_tab.h"
+#include "shell/desktop/history_tab.h"
+#include "shell/desktop/performance_tab.h"
 #include "shell/desktop/processes_tab.h"
+#include "shell/desktop/startup_tab.h"
+#include "shell/desktop/why_sheet.h"
 
 #include <QEvent>
 #include <QLabel>
@@ -12,10 +21,19 @@ namespace loadwarden {
 
 MainWindow::MainWindow(AppModel& model, QWidget* parent)
     : QMainWindow(parent), model_(model), actions_(model, this), tabs_(new QTabWidget(this)),
-      processes_(new ProcessesTab(model, actions_, tabs_)), problem_(new QLabel(this)) {
+      processes_(new ProcessesTab(model, actions_, tabs_)),
+      performance_(new PerformanceTab(model, tabs_)), history_(new HistoryTab(model, tabs_)),
+      startup_(new StartupTab(model, tabs_)), details_(new DetailsTab(model, tabs_)),
+      problem_(new QLabel(this)), why_(new WhySheet(model, actions_, this)) {
     setWindowTitle(QStringLiteral("Loadwarden"));
     resize(960, 640);
-    tabs_->addTab(processes_, QStringLiteral("Processes"));
+    // In the order of allTabs, so a tab's place is its index.
+    for (QWidget* page :
+         std::initializer_list<QWidget*>{processes_, performance_, history_, startup_, details_}) {
+        const Tab tab = allTabs[static_cast<std::size_t>(tabs_->count())];
+        tabs_->addTab(
+            page, QString::fromUtf8(title(tab).data(), static_cast<qsizetype>(title(tab).size())));
+    }
     tabs_->setDocumentMode(true);
     setCentralWidget(tabs_);
 
@@ -26,31 +44,64 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
             [this] { problem_->setText(model_.problem()); });
 
     buildMenus();
+    palette_ = new CommandPalette(model_, actions_, paletteCommands_, this);
+    connect(palette_, &CommandPalette::tabRequested, this, &MainWindow::showTab);
+    connect(palette_, &CommandPalette::groupRequested, this, [this](const std::string& id) {
+        showTab(Tab::processes);
+        processes_->showGroup(id);
+    });
+    connect(why_, &WhySheet::startupAppsRequested, this, [this] { showTab(Tab::startup); });
     connect(processes_, &ProcessesTab::selectionChanged, this, &MainWindow::updateCommands);
     updateCommands();
 }
 
+void MainWindow::showTab(Tab tab) {
+    tabs_->setCurrentIndex(static_cast<int>(tab));
+}
+
+void MainWindow::showWhySheet() {
+    why_->show();
+    why_->raise();
+    why_->activateWindow();
+}
+
+void MainWindow::showPalette() {
+    palette_->openAfresh();
+}
+
 void MainWindow::buildMenus() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
-    QAction* settings = file->addAction(QStringLiteral("Settings…"), this,
-                                        &MainWindow::settingsRequested);
+    QAction* settings =
+        file->addAction(QStringLiteral("Settings…"), this, &MainWindow::settingsRequested);
     settings->setShortcut(QKeySequence::Preferences);
     settings->setMenuRole(QAction::PreferencesRole);
+    QAction* deleteHistory = file->addAction(QStringLiteral("Delete Usage History…"), this,
+                                             [this] { confirmDeleteHistory(model_, this); });
     file->addSeparator();
-    QAction* quit = file->addAction(QStringLiteral("Quit Loadwarden"), this,
-                                    &MainWindow::quitRequested);
+    QAction* quit =
+        file->addAction(QStringLiteral("Quit Loadwarden"), this, &MainWindow::quitRequested);
     quit->setShortcut(QKeySequence::Quit);
     quit->setMenuRole(QAction::QuitRole);
 
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
-    for (int tab = 0; tab < tabs_->count(); ++tab) {
-        QAction* show = view->addAction(tabs_->tabText(tab), this,
-                                        [this, tab] { tabs_->setCurrentIndex(tab); });
-        show->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + tab)));
+    for (const Tab tab : allTabs) {
+        const int index = static_cast<int>(tab);
+        QAction* show = view->addAction(tabs_->tabText(index), this, [this, tab] { showTab(tab); });
+        show->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + index)));
     }
-    QAction* find = view->addAction(QStringLiteral("Search"), processes_,
-                                    &ProcessesTab::focusSearch);
+    QAction* find = view->addAction(QStringLiteral("Search"), this, [this] {
+        showTab(Tab::processes);
+        processes_->focusSearch();
+    });
     find->setShortcut(QKeySequence::Find);
+    view->addSeparator();
+    QAction* why = view->addAction(
+        QString::fromUtf8(onThisPlatform("Why Is My Mac Slow?", "Why Is My Computer Slow?").data()),
+        this, &MainWindow::showWhySheet);
+    why->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_J));
+    QAction* palette =
+        view->addAction(QStringLiteral("Command Palette…"), this, &MainWindow::showPalette);
+    palette->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_K));
 
     // The commands on the selected row, as the menu bar offers them.
     QMenu* process = menuBar()->addMenu(QStringLiteral("&Process"));
@@ -58,8 +109,8 @@ void MainWindow::buildMenus() {
     // on the selected row alone.
     const auto command = [this, process](const char* title, bool wholeApp, auto act) {
         return process->addAction(QString::fromUtf8(title), this, [this, wholeApp, act] {
-            const ProcessGroup* group = wholeApp ? processes_->selectedParentGroup()
-                                                 : processes_->selectedGroup();
+            const ProcessGroup* group =
+                wholeApp ? processes_->selectedParentGroup() : processes_->selectedGroup();
             if (group) {
                 act(*group);
             }
@@ -75,6 +126,9 @@ void MainWindow::buildMenus() {
     pauseProcess_ = command("Pause or Resume Selected Process", false, pauseOrResume);
     forceQuitProcess_ = command("Force Quit Selected Process…", false, forceQuit);
     endProcess_ = command("End Selected Process", false, quitOrEnd);
+
+    paletteCommands_ = {why,       settings,      deleteHistory,     quitApp_,   forceQuitApp_,
+                        pauseApp_, pauseProcess_, forceQuitProcess_, endProcess_};
 }
 
 // Enabled only where the policy offers the action for the selected row.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/app_model.h"
+#include "core/model/tab.h"
 #include "shell/desktop/process_actions.h"
 
 #include <QMainWindow>
@@ -11,10 +12,17 @@ class QTabWidget;
 
 namespace loadwarden {
 
+class CommandPalette;
+class DetailsTab;
+class HistoryTab;
+class PerformanceTab;
 class ProcessesTab;
+class StartupTab;
+class WhySheet;
 
-// The window: the tabs, the menu commands on the selected row, the settings
-// and the problem line. Its visibility sets the model's cadence.
+// The window: the five tabs, the menu commands on the selected row, the two
+// sheets, the settings and the problem line. Its visibility sets the
+// model's cadence.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -22,10 +30,20 @@ public:
     explicit MainWindow(AppModel& model, QWidget* parent = nullptr);
 
     ProcessesTab& processesTab() { return *processes_; }
+    PerformanceTab& performanceTab() { return *performance_; }
+    HistoryTab& historyTab() { return *history_; }
+    StartupTab& startupTab() { return *startup_; }
+    DetailsTab& detailsTab() { return *details_; }
     ProcessActions& actions() { return actions_; }
     QTabWidget& tabs() { return *tabs_; }
+    WhySheet& whySheet() { return *why_; }
+    CommandPalette& palette() { return *palette_; }
+
+    void showTab(Tab tab);
     // Shown, raised and given the keyboard, from the meter or a second launch.
     void bringForward();
+    void showWhySheet();
+    void showPalette();
 
 signals:
     void settingsRequested();
@@ -45,7 +63,14 @@ private:
     ProcessActions actions_;
     QTabWidget* tabs_;
     ProcessesTab* processes_;
+    PerformanceTab* performance_;
+    HistoryTab* history_;
+    StartupTab* startup_;
+    DetailsTab* details_;
     QLabel* problem_;
+    WhySheet* why_;
+    CommandPalette* palette_ = nullptr;
+    std::vector<QAction*> paletteCommands_;
     QAction* quitApp_ = nullptr;
     QAction* forceQuitApp_ = nullptr;
     QAction* pauseApp_ = nullptr;

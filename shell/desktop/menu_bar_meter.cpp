@@ -1,5 +1,7 @@
 #include "shell/desktop/menu_bar_meter.h"
 
+#include "core/diagnosis/cause_text.h"
+
 #include <QFont>
 #include <QPainter>
 #include <QPixmap>
@@ -15,14 +17,18 @@ constexpr int iconSize = 64;
 MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent)
     : QObject(parent), model_(model), tray_(this) {
     menu_.addAction(QStringLiteral("Open Loadwarden"), this, &MenuBarMeter::openRequested);
+    menu_.addAction(QString::fromUtf8(CauseText::question().data(),
+                                      static_cast<qsizetype>(CauseText::question().size())),
+                    this, &MenuBarMeter::whyRequested);
     menu_.addSeparator();
     menu_.addAction(QStringLiteral("Quit Loadwarden"), this, &MenuBarMeter::quitRequested);
     tray_.setContextMenu(&menu_);
-    connect(&tray_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason why) {
-        if (why == QSystemTrayIcon::Trigger || why == QSystemTrayIcon::DoubleClick) {
-            emit openRequested();
-        }
-    });
+    connect(&tray_, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason why) {
+                if (why == QSystemTrayIcon::Trigger || why == QSystemTrayIcon::DoubleClick) {
+                    emit openRequested();
+                }
+            });
     connect(&model_, &AppModel::menuBarChanged, this, &MenuBarMeter::follow);
     connect(&model_, &AppModel::settingsChanged, this, &MenuBarMeter::follow);
     follow();
@@ -59,7 +65,8 @@ QIcon MenuBarMeter::drawIcon(const MenuBarState& state) {
     font.setPixelSize(figure.size() > 2 ? 26 : 34);
     painter.setFont(font);
     painter.setPen(Qt::white);
-    painter.drawText(pixmap.rect(), Qt::AlignCenter, figure.isEmpty() ? QStringLiteral("–") : figure);
+    painter.drawText(pixmap.rect(), Qt::AlignCenter,
+                     figure.isEmpty() ? QStringLiteral("–") : figure);
     return QIcon(pixmap);
 }
 

@@ -10,7 +10,8 @@
 namespace loadwarden {
 
 // The live meter beside the clock: the processor figure drawn into the icon,
-// the whole meter text as its tooltip, and a menu to open the window or quit.
+// the whole meter text as its tooltip, and a menu to open the window, ask
+// why the computer is slow, or quit.
 // Where the desktop has no tray, the meter counts as off.
 class MenuBarMeter : public QObject {
     Q_OBJECT
@@ -28,6 +29,7 @@ public:
 
 signals:
     void openRequested();
+    void whyRequested();
     void quitRequested();
 
 private:

@@ -1,5 +1,6 @@
 #include "shell/desktop/process_actions.h"
 
+#include "app/control/process_start_time.h"
 #include "core/control/action_text.h"
 #include "core/control/process_policy.h"
 #include "core/text/units_format.h"
@@ -7,10 +8,15 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTimer>
 
 namespace loadwarden {
 
 namespace {
+
+// How long a relaunched app may take to quit, and how often to look.
+constexpr int reopenPatience = 30'000;
+constexpr int reopenPoll = 250;
 
 QString text(const std::string& value) {
     return QString::fromStdString(value);
@@ -65,11 +71,10 @@ void ProcessActions::quit(const ProcessGroup& group) {
 
 bool ProcessActions::forceQuit(const ProcessGroup& group) {
     QMessageBox confirm(QMessageBox::Warning, text("Force Quit " + group.name + "?"),
-                        text("Force Quit " + group.name + "?"), QMessageBox::Cancel,
-                        dialogParent_);
+                        text("Force Quit " + group.name + "?"), QMessageBox::Cancel, dialogParent_);
     confirm.setInformativeText(text(ActionText::forceQuitConfirmation(group)));
-    QPushButton* force = confirm.addButton(QStringLiteral("Force Quit"),
-                                           QMessageBox::DestructiveRole);
+    QPushButton* force =
+        confirm.addButton(QStringLiteral("Force Quit"), QMessageBox::DestructiveRole);
     confirm.setDefaultButton(QMessageBox::Cancel);
     confirm.exec();
     if (confirm.clickedButton() != force) {
@@ -93,17 +98,52 @@ void ProcessActions::removeLimit(const ProcessGroup& group) {
     model_.controller().removeLimit(group.id);
 }
 
+void ProcessActions::relaunch(const ProcessGroup& group) {
+    const std::int32_t pid = group.leader.record.pid;
+    const auto reopening = reopeningOf(group);
+    const auto started = processStartTime(pid);
+    if (!reopening || !started) {
+        model_.setProblem(text(group.name + " can’t be reopened: the system doesn’t say how it "
+                                            "was started."));
+        return;
+    }
+    if (model_.controller().quit(group) != ProcessController::Result::done) {
+        report(ProcessController::Result::refused, group);
+        return;
+    }
+    reopenWhenGone(pid, *started, *reopening, text(group.name), reopenPatience / reopenPoll);
+}
+
+// Polled rather than waited on: an app may take a while to save and quit,
+// and the window stays live meanwhile. A pid taken by another process
+// counts as gone.
+void ProcessActions::reopenWhenGone(std::int32_t pid, Date started, Reopening reopening,
+                                    QString name, int triesLeft) {
+    if (processStartTime(pid) != started) {
+        if (!reopen(reopening)) {
+            model_.setProblem(name + QStringLiteral(" quit but couldn’t be opened again."));
+        }
+        return;
+    }
+    if (triesLeft == 0) {
+        model_.setProblem(name + QStringLiteral(" didn’t quit, so it wasn’t reopened."));
+        return;
+    }
+    QTimer::singleShot(reopenPoll, this,
+                       [=, this] { reopenWhenGone(pid, started, reopening, name, triesLeft - 1); });
+}
+
 void ProcessActions::report(ProcessController::Result result, const ProcessGroup& group) {
     switch (result) {
     case ProcessController::Result::done:
         return;
     case ProcessController::Result::refused:
-        model_.setProblem(text(ActionText::menuRefusal(group).value_or(
-            group.name + " can’t be changed right now.")));
+        model_.setProblem(text(
+            ActionText::menuRefusal(group).value_or(group.name + " can’t be changed right now.")));
         return;
     case ProcessController::Result::notRecorded:
         model_.setProblem(text("Nothing was paused: Loadwarden couldn’t note " + group.name +
-                                " down to resume it later."));
+                               " down to resume it later."));
         return;
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/control/reopening.h"
 #include "app/model/app_model.h"
 #include "core/control/process_action.h"
 
@@ -33,10 +34,14 @@ public:
     void pauseOrResume(const ProcessGroup& group);
     void limit(const ProcessGroup& group, double percent);
     void removeLimit(const ProcessGroup& group);
+    // Quits the app, and once its leader is gone starts it again as it was started.
+    void relaunch(const ProcessGroup& group);
 
     bool offers(ProcessAction action, const ProcessGroup& group) const;
 
 private:
+    void reopenWhenGone(std::int32_t pid, Date started, Reopening reopening, QString name,
+                        int triesLeft);
     void report(ProcessController::Result result, const ProcessGroup& group);
 
     AppModel& model_;

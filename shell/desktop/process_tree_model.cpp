@@ -24,8 +24,8 @@ namespace {
 constexpr std::array<const char*, 1 + figureCount> columnTitles{
     "Name", "CPU", "Memory", "Energy", "Disk", "Network", "GPU"};
 constexpr std::array<ProcessColumn, 1 + figureCount> columnOrder{
-    ProcessColumn::name,   ProcessColumn::cpu,     ProcessColumn::memory, ProcessColumn::energy,
-    ProcessColumn::disk,   ProcessColumn::network, ProcessColumn::gpu};
+    ProcessColumn::name, ProcessColumn::cpu,     ProcessColumn::memory, ProcessColumn::energy,
+    ProcessColumn::disk, ProcessColumn::network, ProcessColumn::gpu};
 
 // Heavier figures get a stronger wash of the highlight colour, readable in
 // light and dark palettes alike.
@@ -264,7 +264,7 @@ ProcessTreeModel::Node* ProcessTreeModel::nodeAt(const QModelIndex& index) const
 const ProcessGroup* ProcessTreeModel::groupAt(const QModelIndex& index) const {
     const Node* node = nodeAt(index);
     return node->kind == Node::Kind::group || node->kind == Node::Kind::member ? &node->group
-                                                                                : nullptr;
+                                                                               : nullptr;
 }
 
 QModelIndex ProcessTreeModel::indexOfKey(const std::string& key) const {
@@ -357,7 +357,7 @@ QVariant ProcessTreeModel::data(const QModelIndex& index, int role) const {
             return QIcon::fromTheme(QStringLiteral("changes-prevent"));
         }
         if (node.group.bundlePath) {
-            return QIcon::fromTheme(QString::fromStdString(*node.group.bundlePath));
+            return icons_.icon(*node.group.bundlePath);
         }
         return {};
     case Qt::ToolTipRole:

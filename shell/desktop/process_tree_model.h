@@ -2,6 +2,7 @@
 
 #include "core/grouping/process_column.h"
 #include "core/grouping/process_group.h"
+#include "shell/desktop/app_icons.h"
 
 #include <QAbstractItemModel>
 #include <map>
@@ -61,6 +62,7 @@ private:
     std::string search_;
     ProcessColumn column_ = ProcessColumn::cpu;
     bool ascending_ = false;
+    mutable AppIcons icons_; // looked up as rows are first drawn
 };
 
 } // namespace loadwarden

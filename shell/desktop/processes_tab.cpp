@@ -86,9 +86,21 @@ void ProcessesTab::focusSearch() {
     search_->selectAll();
 }
 
+void ProcessesTab::showGroup(const std::string& groupID) {
+    if (!table_.indexOfKey(groupID).isValid()) {
+        search_->clear();
+    }
+    const QModelIndex row = table_.indexOfKey(groupID);
+    if (row.isValid()) {
+        view_->setCurrentIndex(row);
+        view_->scrollTo(row);
+        view_->setFocus();
+    }
+}
+
 void ProcessesTab::showMenu(const QPoint& position) {
-    const QModelIndex index = view_->indexAt(position).isValid() ? view_->indexAt(position)
-                                                                 : view_->currentIndex();
+    const QModelIndex index =
+        view_->indexAt(position).isValid() ? view_->indexAt(position) : view_->currentIndex();
     const ProcessGroup* group = table_.groupAt(index);
     if (!group) {
         return;

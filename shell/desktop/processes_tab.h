@@ -25,6 +25,8 @@ public:
     // The group a member row belongs to, or the selected group itself.
     const ProcessGroup* selectedParentGroup() const;
     void focusSearch();
+    // Selects the group's row and scrolls to it, clearing a search that hides it.
+    void showGroup(const std::string& groupID);
 
     QTreeView& view() { return *view_; }
     ProcessTreeModel& tableModel() { return table_; }

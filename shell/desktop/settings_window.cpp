@@ -1,13 +1,13 @@
 #include "shell/desktop/settings_window.h"
 
 #include "core/text/platform_wording.h"
+#include "shell/desktop/delete_history.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTabWidget>
@@ -49,7 +49,8 @@ SettingsWindow::SettingsWindow(AppModel& model, QWidget* parent)
     auto* panes = new QTabWidget(this);
     panes->addTab(generalPane(), QIcon::fromTheme(QStringLiteral("preferences-system")),
                   QStringLiteral("General"));
-    panes->addTab(alertsPane(), QIcon::fromTheme(QStringLiteral("preferences-desktop-notification")),
+    panes->addTab(alertsPane(),
+                  QIcon::fromTheme(QStringLiteral("preferences-desktop-notification")),
                   QStringLiteral("Alerts"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(panes);
@@ -70,8 +71,8 @@ QWidget* SettingsWindow::generalPane() {
     interval_->setAccessibleName(QStringLiteral("Update every"));
     row->addRow(QStringLiteral("Update every"), interval_);
     updating->layout()->addItem(row);
-    updating->layout()->addWidget(
-        note(QStringLiteral("Faster updates use a little more processor time themselves."), updating));
+    updating->layout()->addWidget(note(
+        QStringLiteral("Faster updates use a little more processor time themselves."), updating));
 
     QGroupBox* atHand = section(QStringLiteral("Always at hand"), pane);
     showMenuBar_ = new QCheckBox(QStringLiteral("Show the meter in the menu bar"), atHand);
@@ -90,11 +91,11 @@ QWidget* SettingsWindow::generalPane() {
         atHand));
 
     QGroupBox* yourData = section(QStringLiteral("Your data"), pane);
-    yourData->layout()->addWidget(note(
-        QString::fromUtf8(onThisPlatform(
-            "App history is kept only on this Mac, for 35 days. Nothing is uploaded.",
-            "App history is kept only on this computer, for 35 days. Nothing is uploaded.")),
-        yourData));
+    yourData->layout()->addWidget(
+        note(QString::fromUtf8(onThisPlatform(
+                 "App history is kept only on this Mac, for 35 days. Nothing is uploaded.",
+                 "App history is kept only on this computer, for 35 days. Nothing is uploaded.")),
+             yourData));
     auto* remove = new QPushButton(QStringLiteral("Delete Usage History…"), yourData);
     yourData->layout()->addWidget(remove);
 
@@ -111,7 +112,7 @@ QWidget* SettingsWindow::generalPane() {
     connect(interval_, &QComboBox::currentIndexChanged, this, &SettingsWindow::saveSettings);
     connect(showMenuBar_, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
     connect(hotKey_, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
-    connect(remove, &QPushButton::clicked, this, &SettingsWindow::confirmDeleteHistory);
+    connect(remove, &QPushButton::clicked, this, [this] { confirmDeleteHistory(model_, this); });
     connect(welcome, &QPushButton::clicked, this, &SettingsWindow::welcomeRequested);
     return pane;
 }
@@ -124,8 +125,7 @@ QWidget* SettingsWindow::alertsPane() {
     hotEnabled_ = new QCheckBox(QStringLiteral("Tell me"), hot);
     hotPercent_ = stepper(QStringLiteral("Above "), QStringLiteral("% of a core"), 25, 800, 5, hot);
     hotMinutes_ = stepper(QStringLiteral("For "), QStringLiteral(" minutes"), 1, 120, 1, hot);
-    for (QWidget* control : {static_cast<QWidget*>(hotEnabled_),
-                             static_cast<QWidget*>(hotPercent_),
+    for (QWidget* control : {static_cast<QWidget*>(hotEnabled_), static_cast<QWidget*>(hotPercent_),
                              static_cast<QWidget*>(hotMinutes_)}) {
         hot->layout()->addWidget(control);
     }
@@ -143,10 +143,10 @@ QWidget* SettingsWindow::alertsPane() {
     stuck->layout()->addWidget(stuckEnabled_);
     stuck->layout()->addWidget(stuckSeconds_);
     if (!isMac) {
-        stuck->layout()->addWidget(note(
-            QStringLiteral("This desktop doesn’t tell other programs when an app stops "
-                           "responding, so this alert can’t come here."),
-            stuck));
+        stuck->layout()->addWidget(
+            note(QStringLiteral("This desktop doesn’t tell other programs when an app stops "
+                                "responding, so this alert can’t come here."),
+                 stuck));
     }
 
     auto* repeat = new QFormLayout();
@@ -200,18 +200,6 @@ void SettingsWindow::saveSettings() {
     settings.alerts.stuckSeconds = stuckSeconds_->value();
     settings.alerts.repeatMinutes = repeatMinutes_->value();
     model_.setSettings(settings);
-}
-
-void SettingsWindow::confirmDeleteHistory() {
-    QMessageBox confirm(QMessageBox::Warning, QStringLiteral("Delete all usage history?"),
-                        QStringLiteral("Delete all usage history?"), QMessageBox::Cancel, this);
-    QPushButton* remove =
-        confirm.addButton(QStringLiteral("Delete History"), QMessageBox::DestructiveRole);
-    confirm.setDefaultButton(QMessageBox::Cancel);
-    confirm.exec();
-    if (confirm.clickedButton() == remove) {
-        model_.deleteHistory();
-    }
 }
 
 } // namespace loadwarden

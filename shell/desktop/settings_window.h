@@ -25,7 +25,6 @@ private:
     QWidget* alertsPane();
     void showSettings();
     void saveSettings();
-    void confirmDeleteHistory();
 
     AppModel& model_;
     QComboBox* interval_ = nullptr;

@@ -30,7 +30,8 @@ WelcomeDialog::WelcomeDialog(AppModel& model, QWidget* parent) : QDialog(parent)
         this);
     body->setWordWrap(true);
     auto* buttons = new QDialogButtonBox(this);
-    buttons->addButton(QStringLiteral("Get Started"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    buttons->addButton(QStringLiteral("Get Started"), QDialogButtonBox::AcceptRole)
+        ->setDefault(true);
     layout->addWidget(title);
     layout->addWidget(body);
     layout->addWidget(buttons);

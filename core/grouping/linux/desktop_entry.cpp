@@ -74,7 +74,8 @@ std::optional<DesktopEntry> DesktopEntries::parse(std::string_view text, std::st
     }
     return DesktopEntry{.name = std::move(*name),
                         .isApplication = lastValue(entry, "Type") == "Application" &&
-                                         lastValue(entry, "NoDisplay") != "true"};
+                                         lastValue(entry, "NoDisplay") != "true",
+                        .icon = unescapedValue(lastValue(entry, "Icon").value_or(""))};
 }
 
 std::optional<std::string> DesktopEntries::fileID(std::string_view relativePath) {

@@ -18,6 +18,7 @@ namespace loadwarden {
 struct DesktopEntry {
     std::string name;           // Name=, in the user's language where the entry has it
     bool isApplication = false; // Type=Application and shown in menus (not NoDisplay)
+    std::string icon;           // Icon=: a name in the icon theme or a file's path
 
     bool operator==(const DesktopEntry&) const = default;
 };

@@ -15,7 +15,10 @@ inline void ensureWidgetApplication() {
     static char name[] = "desktop_tests";
     static char* argv[] = {name, nullptr};
     if (!QApplication::instance()) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+        // Offscreen unless a test asks for a real display.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        }
         new QApplication(argc, argv);
     }
 }
@@ -23,8 +26,7 @@ inline void ensureWidgetApplication() {
 // Saved as artifacts/NAME.png beside the tests.
 inline void saveScreenshot(QWidget& widget, const std::string& name) {
     QDir().mkpath(LOADWARDEN_ARTIFACTS);
-    widget.grab().save(QString(LOADWARDEN_ARTIFACTS) + "/" + QString::fromStdString(name) +
-                       ".png");
+    widget.grab().save(QString(LOADWARDEN_ARTIFACTS) + "/" + QString::fromStdString(name) + ".png");
 }
 
 } // namespace loadwarden::support

@@ -1,114 +1,24 @@
-// The window on this machine's real processes, with its own settings and
-// data folders, and a spinning process of the test's to act on.
-#include "shell/desktop/main_window.h"
+// The window: acting on a process, the program itself, shortcuts, the
+// meter and the settings.
 #include "shell/desktop/menu_bar_meter.h"
-#include "shell/desktop/process_tree_model.h"
-#include "shell/desktop/processes_tab.h"
 #include "shell/desktop/settings_window.h"
 #include "shell/desktop/welcome_dialog.h"
-#include "tests/shell/desktop/desktop_support.h"
-#include "tests/support/event_loop.h"
+#include "tests/shell/desktop/window_fixture.h"
 #include "tests/support/spinning_children.h"
 
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTabWidget>
-#include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <QTreeView>
-#include <csignal>
 #include <gtest/gtest.h>
 
 namespace loadwarden {
 namespace {
 
-// A spinning process that is nobody's child here, so it stands as a row of
-// its own rather than inside the test's group.
-pid_t loneSpinner() {
-    int ends[2];
-    if (pipe(ends) != 0) {
-        return -1;
-    }
-    if (fork() == 0) {
-        const pid_t spinner = fork();
-        if (spinner == 0) {
-            while (true) {
-            }
-        }
-        [[maybe_unused]] const auto written = write(ends[1], &spinner, sizeof spinner);
-        _exit(0);
-    }
-    pid_t spinner = -1;
-    [[maybe_unused]] const auto got = read(ends[0], &spinner, sizeof spinner);
-    close(ends[0]);
-    close(ends[1]);
-    wait(nullptr);
-    return spinner;
-}
-
-// Answers the next message box with the button of that text.
-void answerNextMessageBox(const QString& button, const std::string& screenshot) {
-    QTimer::singleShot(0, [button, screenshot] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        ASSERT_NE(box, nullptr);
-        support::saveScreenshot(*box, screenshot);
-        for (QAbstractButton* candidate : box->buttons()) {
-            if (candidate->text() == button) {
-                candidate->click();
-                return;
-            }
-        }
-        ADD_FAILURE() << "no button " << button.toStdString();
-    });
-}
-
-QAction* actionNamed(const QMenu& menu, const QString& text) {
-    for (QAction* action : menu.actions()) {
-        if (action->text() == text) {
-            return action;
-        }
-    }
-    return nullptr;
-}
-
-class MainWindowTest : public testing::Test {
-protected:
-    static void SetUpTestSuite() { support::ensureWidgetApplication(); }
-
-    void SetUp() override {
-        ASSERT_TRUE(home.isValid());
-        qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
-        qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
-        spinner = loneSpinner();
-        ASSERT_GT(spinner, 0);
-        AppModel::Parts parts = AppModel::machineParts();
-        parts.interval = 1.0;
-        model = std::make_unique<AppModel>(std::move(parts));
-        window = std::make_unique<MainWindow>(*model);
-        window->show();
-        model->start();
-        ASSERT_TRUE(support::processEventsUntil([&] { return spinnerRow().isValid(); }));
-    }
-
-    void TearDown() override {
-        window.reset();
-        model.reset();
-        kill(spinner, SIGKILL);
-    }
-
-    ProcessTreeModel& table() { return window->processesTab().tableModel(); }
-    QModelIndex spinnerRow() { return table().indexOfKey("pid:" + std::to_string(spinner)); }
-
-    QTemporaryDir home;
-    pid_t spinner = -1;
-    std::unique_ptr<AppModel> model;
-    std::unique_ptr<MainWindow> window;
-};
+using MainWindowTest = support::WindowTest;
 
 TEST_F(MainWindowTest, ActsOnAProcessFromItsMenuAndConfirmsAForceQuit) {
     QTreeView& view = window->processesTab().view();
@@ -121,7 +31,7 @@ TEST_F(MainWindowTest, ActsOnAProcessFromItsMenuAndConfirmsAForceQuit) {
 
     QMenu menu;
     window->actions().fill(menu, group);
-    QAction* pause = actionNamed(menu, QString::fromStdString("Pause " + group.name));
+    QAction* pause = support::actionNamed(menu, QString::fromStdString("Pause " + group.name));
     ASSERT_NE(pause, nullptr);
     pause->trigger();
     EXPECT_EQ(support::settlesAt(spinner, 'T'), 'T');
@@ -131,13 +41,13 @@ TEST_F(MainWindowTest, ActsOnAProcessFromItsMenuAndConfirmsAForceQuit) {
     window->actions().pauseOrResume(*table().groupAt(spinnerRow()));
     EXPECT_EQ(support::settlesAt(spinner, 'R'), 'R');
 
-    answerNextMessageBox("Cancel", "force-quit-confirmation");
+    support::answerNextMessageBox("Cancel", "force-quit-confirmation");
     EXPECT_FALSE(window->actions().forceQuit(group));
     EXPECT_NE(support::stateOf(spinner), '?');
-    answerNextMessageBox("Force Quit", "force-quit-confirmation");
+    support::answerNextMessageBox("Force Quit", "force-quit-confirmation");
     EXPECT_TRUE(window->actions().forceQuit(group));
-    EXPECT_TRUE(support::processEventsUntil([&] { return support::stateOf(spinner) == '?' ||
-                                                         support::stateOf(spinner) == 'Z'; }));
+    EXPECT_TRUE(support::processEventsUntil(
+        [&] { return support::stateOf(spinner) == '?' || support::stateOf(spinner) == 'Z'; }));
 }
 
 TEST_F(MainWindowTest, TheProgramItselfIsNeverOfferedAnAction) {

@@ -66,9 +66,11 @@ Name[sr@latin]=Uređivač teksta
 Name[pt_BR]=Editor\sde texto
 GenericName=Editor
 Exec=gedit %U
+Icon=org.gnome.gedit
 
 [Desktop Action new-window]
 Name=New Window
+Icon=window-new
 )";
 
 TEST(DesktopEntryParsing, PicksTheBestTranslationOfTheName) {
@@ -82,6 +84,7 @@ TEST(DesktopEntryParsing, PicksTheBestTranslationOfTheName) {
     EXPECT_EQ(name("pt_BR"), "Editor de texto");
     EXPECT_EQ(name("fr_FR.UTF-8"), "Text Editor");
     EXPECT_TRUE(DesktopEntries::parse(editorEntry, "")->isApplication);
+    EXPECT_EQ(DesktopEntries::parse(editorEntry, "")->icon, "org.gnome.gedit");
 }
 
 TEST(DesktopEntryParsing, AnEmptyTranslationFallsBackToABroaderName) {

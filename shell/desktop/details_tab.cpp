@@ -1,0 +1,124 @@
+#include "shell/desktop/details_tab.h"
+
+#include "core/details/process_details.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+namespace loadwarden {
+
+namespace {
+
+constexpr int pidColumn = 0;
+constexpr int pathRole = Qt::UserRole;
+
+bool alignedRight(ProcessFact fact) {
+    switch (fact) {
+    case ProcessFact::pid:
+    case ProcessFact::cpu:
+    case ProcessFact::memory:
+    case ProcessFact::threads:
+    case ProcessFact::openFiles:
+        return true;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+DetailsTab::DetailsTab(AppModel& model, QWidget* parent)
+    : TabPage(parent), model_(model), table_(new QTreeWidget(this)), rows_(*table_) {
+    QStringList titles;
+    for (const ProcessFact fact : allProcessFacts) {
+        titles << QString::fromUtf8(title(fact).data(), static_cast<qsizetype>(title(fact).size()));
+    }
+    table_->setHeaderLabels(titles);
+    table_->setRootIsDecorated(false);
+    table_->setUniformRowHeights(true);
+    table_->setAlternatingRowColors(true);
+    table_->setSortingEnabled(true);
+    table_->sortByColumn(static_cast<int>(ProcessFact::cpu), Qt::DescendingOrder);
+    table_->setAccessibleName(QStringLiteral("Details"));
+    table_->header()->setSectionResizeMode(QHeaderView::Interactive);
+    table_->header()->resizeSection(static_cast<int>(ProcessFact::name), 200);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(table_);
+
+    connect(&model_, &AppModel::processesChanged, this, &DetailsTab::followProcesses);
+    connect(&model_, &AppModel::codeInfoChanged, this, &DetailsTab::refreshWhenSeen);
+    connect(&model_, &AppModel::fileInfoChanged, this, &DetailsTab::refreshWhenSeen);
+    connect(table_->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &DetailsTab::askForVisibleExtras);
+    connect(table_, &QTreeWidget::currentItemChanged, this, &DetailsTab::followSelection);
+    followProcesses();
+}
+
+void DetailsTab::refresh() {
+    const auto& codeInfo = model_.codeInfo();
+    const auto& fileInfo = model_.fileInfo();
+    rows_.beginRefresh();
+    for (const LiveProcess& process : model_.processes()) {
+        const auto code = codeInfo.find(process.record.path);
+        const auto files = fileInfo.find(process.record.pid);
+        const ProcessExtras extras{code == codeInfo.end() ? nullptr : &code->second,
+                                   files == fileInfo.end() ? nullptr : &files->second};
+        SortableRow& row = rows_.row(std::to_string(process.record.pid));
+        row.setData(pidColumn, pathRole, QString::fromStdString(process.record.path));
+        for (const ProcessFact fact : allProcessFacts) {
+            const int column = static_cast<int>(fact);
+            const QString words = QString::fromStdString(factText(fact, process, extras));
+            if (const auto amount = factAmount(fact, process, extras)) {
+                setCell(row, column, words, *amount);
+            } else {
+                setCell(row, column, words);
+            }
+            if (alignedRight(fact)) {
+                row.setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
+            }
+        }
+    }
+    rows_.endRefresh();
+    askForVisibleExtras();
+}
+
+void DetailsTab::followProcesses() {
+    refreshWhenSeen();
+    // What the selected process has open is read again with each new list;
+    // the other lines keep what was read when they came into view.
+    if (const auto selected = model_.detailSelection(); selected && isVisible()) {
+        model_.requestFileInfo(*selected);
+    }
+}
+
+void DetailsTab::askForVisibleExtras() {
+    const int bottom = table_->viewport()->height();
+    for (QTreeWidgetItem* line = table_->itemAt(0, 0);
+         line && table_->visualItemRect(line).top() < bottom; line = table_->itemBelow(line)) {
+        const QString path = line->data(pidColumn, pathRole).toString();
+        if (!path.isEmpty()) {
+            model_.requestCodeInfo(path.toStdString());
+        }
+        if (const std::int32_t pid = line->text(pidColumn).toInt();
+            !model_.fileInfo().contains(pid)) {
+            model_.requestFileInfo(pid);
+        }
+    }
+}
+
+void DetailsTab::followSelection() {
+    const std::string key = rows_.currentKey();
+    const auto pid = key.empty() ? std::nullopt : std::optional<std::int32_t>(std::stoi(key));
+    model_.setDetailSelection(pid);
+    if (pid) {
+        model_.requestFileInfo(*pid);
+    }
+}
+
+SortableRow* DetailsTab::rowOf(std::int32_t pid) const {
+    return rows_.find(std::to_string(pid));
+}
+
+} // namespace loadwarden

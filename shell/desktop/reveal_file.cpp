@@ -1,0 +1,53 @@
+#include "shell/desktop/reveal_file.h"
+
+#ifdef __APPLE__
+#include <QProcess>
+#else
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QUrl>
+#endif
+
+namespace loadwarden {
+
+#ifdef __APPLE__
+
+void revealFile(const QString& path) {
+    QProcess::startDetached(QStringLiteral("/usr/bin/open"), {QStringLiteral("-R"), path});
+}
+
+QString revealFileTitle() {
+    return QStringLiteral("Show in Finder");
+}
+
+#else
+
+// The freedesktop file-manager interface selects the file; not every
+// desktop has one. Asked without waiting, so the window never stalls.
+void revealFile(const QString& path) {
+    QDBusMessage show = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+    show << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
+    auto* answer = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(show),
+                                               QCoreApplication::instance());
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, [path](auto* finished) {
+        if (finished->isError()) {
+            QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absolutePath()));
+        }
+        finished->deleteLater();
+    });
+}
+
+QString revealFileTitle() {
+    return QStringLiteral("Show in File Manager");
+}
+
+#endif
+
+} // namespace loadwarden

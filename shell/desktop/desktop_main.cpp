@@ -2,6 +2,7 @@
 // and App history, one copy per user.
 #include "app/control/shared_ledger.h"
 #include "app/model/app_model.h"
+#include "shell/desktop/hot_key.h"
 #include "shell/desktop/main_window.h"
 #include "shell/desktop/menu_bar_meter.h"
 #include "shell/desktop/settings_window.h"
@@ -43,6 +44,14 @@ int main(int argc, char** argv) {
     const auto followMeter = [&] { QApplication::setQuitOnLastWindowClosed(!meter.isShown()); };
     QObject::connect(&model, &AppModel::settingsChanged, &application, followMeter);
     followMeter();
+
+    HotKey hotKey;
+    const auto followHotKey = [&] {
+        hotKey.setEnabled(model.settings().hotKey && HotKey::isAvailable());
+    };
+    QObject::connect(&model, &AppModel::settingsChanged, &hotKey, followHotKey);
+    QObject::connect(&hotKey, &HotKey::pressed, &window, &MainWindow::bringForward);
+    followHotKey();
 
     QObject::connect(&instance, &SingleInstance::activated, &window, &MainWindow::bringForward);
     QObject::connect(&meter, &MenuBarMeter::openRequested, &window, &MainWindow::bringForward);

@@ -2,6 +2,7 @@
 
 #include "core/text/platform_wording.h"
 #include "shell/desktop/delete_history.h"
+#include "shell/desktop/hot_key.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -79,8 +80,7 @@ QWidget* SettingsWindow::generalPane() {
     hotKey_ = new QCheckBox(QStringLiteral("Open with ⌃⇧⎋ from anywhere"), atHand);
     atHand->layout()->addWidget(showMenuBar_);
     atHand->layout()->addWidget(hotKey_);
-    if (!isMac) {
-        // No desktop here lends its keyboard to other programs for this.
+    if (!HotKey::isAvailable()) {
         hotKey_->setEnabled(false);
         atHand->layout()->addWidget(
             note(QStringLiteral("The shortcut isn’t available on this desktop."), atHand));

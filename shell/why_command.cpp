@@ -1,4 +1,3 @@
-#include "core/control/process_policy.h"
 #include "core/diagnosis/diagnosis.h"
 #include "shell/command_line.h"
 #include "shell/commands.h"
@@ -17,14 +16,8 @@ constexpr int ticksForRates = 2;
 
 WhyReport diagnose(const AppModel& model, std::size_t maxCount) {
     const SystemPicture picture = model.picture();
-    WhyReport report{
-        Explainer::explain(picture, maxCount), Diagnosis::busiest(picture.apps, busiestCount), {}};
-    for (const ProcessGroup& group : model.groups()) {
-        if (const auto reason = ProcessPolicy::reason(group)) {
-            report.readOnlyReasons.emplace(group.id, *reason);
-        }
-    }
-    return report;
+    return {Explainer::explain(picture, maxCount), Diagnosis::busiest(picture.apps, busiestCount),
+            Diagnosis::readOnlyReasons(model.groups())};
 }
 
 } // namespace
@@ -33,16 +26,15 @@ int runWhyCommand(const std::vector<std::string>& arguments, std::ostream& out, 
     return runCommand(
         "why", whyUsage, parseWhyOptions(arguments), out, err, [&out](const WhyOptions& options) {
             std::optional<WhyReport> report;
-            runModelSession({.windowVisible = true, .interval = options.interval},
-                            [&](const AppModel& model) {
-                                // Heavy startup items count too, once read.
-                                if (model.sampleCount() < ticksForRates ||
-                                    !model.startupLoaded()) {
-                                    return true;
-                                }
-                                report = diagnose(model, static_cast<std::size_t>(options.maxCount));
-                                return false;
-                            });
+            runModelSession(
+                {.windowVisible = true, .interval = options.interval}, [&](const AppModel& model) {
+                    // Heavy startup items count too, once read.
+                    if (model.sampleCount() < ticksForRates || !model.startupLoaded()) {
+                        return true;
+                    }
+                    report = diagnose(model, static_cast<std::size_t>(options.maxCount));
+                    return false;
+                });
             if (!report) {
                 return exitFailure; // interrupted before there was anything to say
             }

@@ -53,4 +53,15 @@ std::vector<ExplainerApp> Diagnosis::busiest(const std::vector<ExplainerApp>& ap
     return others;
 }
 
+std::map<std::string, std::string>
+Diagnosis::readOnlyReasons(const std::vector<ProcessGroup>& groups) {
+    std::map<std::string, std::string> reasons;
+    for (const ProcessGroup& group : groups) {
+        if (const auto reason = ProcessPolicy::reason(group)) {
+            reasons.emplace(group.id, *reason);
+        }
+    }
+    return reasons;
+}
+
 } // namespace loadwarden

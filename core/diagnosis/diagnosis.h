@@ -5,6 +5,7 @@
 #include "core/grouping/process_group.h"
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -28,6 +29,9 @@ SystemPicture picture(const SystemSample& system, const std::vector<ProcessGroup
 
 // The apps working hardest, by processor then memory; never this program.
 std::vector<ExplainerApp> busiest(const std::vector<ExplainerApp>& apps, std::size_t count);
+
+// Why nothing can be done to a group, by group id, for the groups that say so.
+std::map<std::string, std::string> readOnlyReasons(const std::vector<ProcessGroup>& groups);
 
 } // namespace Diagnosis
 

@@ -1,6 +1,5 @@
 #include "shell/desktop/why_sheet.h"
 
-#include "core/control/process_policy.h"
 #include "core/diagnosis/cause_text.h"
 #include "core/text/units_format.h"
 
@@ -102,15 +101,10 @@ void WhySheet::showEvent(QShowEvent* event) {
 void WhySheet::refresh() {
     const SystemPicture picture = model_.picture();
     std::vector<Cause> causes = Explainer::explain(picture, maxCauses);
-    readOnlyReasons_.clear();
-    for (const ProcessGroup& group : model_.groups()) {
-        if (const auto reason = ProcessPolicy::reason(group)) {
-            readOnlyReasons_.emplace(group.id, *reason);
-        }
-    }
-    const bool rebuild = causes_.empty() != causes.empty() || !sameCauses(causes_, causes);
+    readOnlyReasons_ = Diagnosis::readOnlyReasons(model_.groups());
+    const bool rebuild = cards_->count() == 0 || !sameCauses(causes_, causes);
     causes_ = std::move(causes);
-    if (rebuild || cards_->count() == 0) {
+    if (rebuild) {
         rebuildCards();
     } else {
         for (std::size_t index = 0; index < causes_.size(); ++index) {

@@ -13,6 +13,12 @@
 #include <QApplication>
 #include <QSocketNotifier>
 
+#ifdef LOADWARDEN_HAS_UPDATER
+#include "shell/desktop/updater.h"
+
+#include <QMenu>
+#endif
+
 int main(int argc, char** argv) {
     using namespace loadwarden;
     QApplication application(argc, argv);
@@ -39,6 +45,14 @@ int main(int argc, char** argv) {
         settings.activateWindow();
     });
     QObject::connect(&settings, &SettingsWindow::welcomeRequested, &window, welcome);
+
+#ifdef LOADWARDEN_HAS_UPDATER
+    // macOS with Sparkle: the command goes to the application menu, beside About and Settings.
+    Updater updater;
+    QAction* checkForUpdates = window.fileMenu().addAction(
+        QStringLiteral("Check for Updates…"), &window, [&updater] { updater.checkForUpdates(); });
+    checkForUpdates->setMenuRole(QAction::ApplicationSpecificRole);
+#endif
 
     // With the meter on, closing the window leaves the program at work.
     const auto followMeter = [&] { QApplication::setQuitOnLastWindowClosed(!meter.isShown()); };

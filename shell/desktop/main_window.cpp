@@ -70,7 +70,7 @@ void MainWindow::showPalette() {
 }
 
 void MainWindow::buildMenus() {
-    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    QMenu* file = fileMenu_ = menuBar()->addMenu(QStringLiteral("&File"));
     QAction* settings =
         file->addAction(QStringLiteral("Settings…"), this, &MainWindow::settingsRequested);
     settings->setShortcut(QKeySequence::Preferences);

@@ -8,6 +8,7 @@
 
 class QAction;
 class QLabel;
+class QMenu;
 class QTabWidget;
 
 namespace loadwarden {
@@ -36,6 +37,7 @@ public:
     DetailsTab& detailsTab() { return *details_; }
     ProcessActions& actions() { return actions_; }
     QTabWidget& tabs() { return *tabs_; }
+    QMenu& fileMenu() { return *fileMenu_; }
     WhySheet& whySheet() { return *why_; }
     CommandPalette& palette() { return *palette_; }
 
@@ -68,6 +70,7 @@ private:
     StartupTab* startup_;
     DetailsTab* details_;
     QLabel* problem_;
+    QMenu* fileMenu_ = nullptr;
     WhySheet* why_;
     CommandPalette* palette_ = nullptr;
     std::vector<QAction*> paletteCommands_;

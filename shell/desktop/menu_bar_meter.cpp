@@ -14,14 +14,14 @@ constexpr int iconSize = 64;
 
 } // namespace
 
-MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent)
-    : QObject(parent), model_(model), tray_(this) {
+MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
     menu_.addAction(QStringLiteral("Open Loadwarden"), this, &MenuBarMeter::openRequested);
     menu_.addAction(QString::fromUtf8(CauseText::question().data(),
                                       static_cast<qsizetype>(CauseText::question().size())),
                     this, &MenuBarMeter::whyRequested);
     menu_.addSeparator();
     menu_.addAction(QStringLiteral("Quit Loadwarden"), this, &MenuBarMeter::quitRequested);
+#ifndef __APPLE__
     tray_.setContextMenu(&menu_);
     connect(&tray_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason why) {
@@ -29,13 +29,18 @@ MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent)
                     emit openRequested();
                 }
             });
+#endif
     connect(&model_, &AppModel::menuBarChanged, this, &MenuBarMeter::follow);
     connect(&model_, &AppModel::settingsChanged, this, &MenuBarMeter::follow);
     follow();
 }
 
 bool MenuBarMeter::isAvailable() {
+#ifdef __APPLE__
+    return true;
+#else
     return QSystemTrayIcon::isSystemTrayAvailable();
+#endif
 }
 
 bool MenuBarMeter::isShown() const {
@@ -44,9 +49,14 @@ bool MenuBarMeter::isShown() const {
 
 void MenuBarMeter::follow() {
     const MenuBarState& state = model_.menuBar();
+#ifdef __APPLE__
+    statusItem_.show(state);
+    statusItem_.setVisible(isShown());
+#else
     tray_.setIcon(drawIcon(state));
     tray_.setToolTip(QString::fromStdString(state.text.empty() ? "Loadwarden" : state.text));
     tray_.setVisible(isShown());
+#endif
 }
 
 QIcon MenuBarMeter::drawIcon(const MenuBarState& state) {

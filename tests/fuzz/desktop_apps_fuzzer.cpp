@@ -53,6 +53,7 @@ void checkDesktopEntry(std::string_view text, std::string_view locale) {
     }
 }
 
+// Three lines, some perhaps empty.
 void checkPaths(const std::vector<std::string_view>& lines) {
     for (const std::string_view path : lines) {
         if (const auto id = DesktopEntries::fileID(path)) {
@@ -61,29 +62,23 @@ void checkPaths(const std::vector<std::string_view>& lines) {
                   "an id is the path without folders and suffix");
         }
     }
-    const auto line = [&lines](std::size_t index) {
-        return index < lines.size() ? lines[index] : std::string_view{};
-    };
     for (const std::string& folder :
-         DesktopEntries::applicationFolders(line(0), line(1), line(2))) {
+         DesktopEntries::applicationFolders(lines[0], lines[1], lines[2])) {
         check(folder.starts_with('/') && folder.ends_with("/applications"),
               "applications folders are absolute");
     }
 }
 
 } // namespace
-} // namespace loadwarden
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace loadwarden;
-    const std::string_view text = fuzz::text(data, size);
-    const auto lines = fuzz::leadingLines(text, 3);
-    const std::string_view firstLine = lines.empty() ? std::string_view{} : lines[0];
-
+void fuzz::run(std::string_view text) {
+    auto lines = leadingLines(text, 3);
+    lines.resize(3); // missing lines are empty
     appIDFromCgroup(text);
     isSystemService(text);
-    checkAppUnits(firstLine);
-    checkDesktopEntry(text, firstLine);
+    checkAppUnits(lines[0]);
+    checkDesktopEntry(text, lines[0]);
     checkPaths(lines);
-    return 0;
 }
+
+} // namespace loadwarden

@@ -1,8 +1,12 @@
 #pragma once
 
-// What every harness shares: the input as text, its lines, and checks that
-// abort so that libFuzzer keeps the input that broke a parser's promise.
+// What every harness shares: libFuzzer's entry point, which hands the input
+// to the harness's fuzz::run as text, the pieces harnesses cut it into, and
+// checks that abort so that libFuzzer keeps the input that broke a promise.
 
+#include "core/text/text_parsing.h"
+
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +17,9 @@
 
 namespace loadwarden::fuzz {
 
+// Each harness defines this once; it is its own program.
+void run(std::string_view text);
+
 inline void check(bool holds, const char* promise) {
     if (!holds) {
         std::fprintf(stderr, "broken: %s\n", promise);
@@ -20,8 +27,12 @@ inline void check(bool holds, const char* promise) {
     }
 }
 
-inline std::string_view text(const std::uint8_t* data, std::size_t size) {
-    return {reinterpret_cast<const char*>(data), size};
+inline bool isWithin(double value, double low, double high) {
+    return std::isfinite(value) && value >= low && value <= high;
+}
+
+inline bool isTrimmedLine(std::string_view value) {
+    return value == trimWhitespace(value) && value.find('\n') == std::string_view::npos;
 }
 
 // The first `most` line-feed-separated lines; fewer when the text has fewer.
@@ -44,3 +55,8 @@ inline std::pair<std::string_view, std::string_view> halves(std::string_view tex
 }
 
 } // namespace loadwarden::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    loadwarden::fuzz::run({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

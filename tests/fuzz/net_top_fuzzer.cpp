@@ -5,8 +5,6 @@
 namespace loadwarden {
 namespace {
 
-using fuzz::check;
-
 constexpr std::string_view header = "\ntime,,bytes_in,bytes_out,\n";
 
 // Every sample of the text, its last line and block closed by one more header.
@@ -29,35 +27,32 @@ void checkReprinted(const NetworkBytes& row) {
     const auto again = NetTopParser::parseLine(
         "09:41:07.348212," + row.name + "." + std::to_string(row.pid) + "," +
         std::to_string(row.bytesIn) + "," + std::to_string(row.bytesOut) + ",");
-    check(again == row, "a row, printed again, reads the same");
+    fuzz::check(again == row, "a row, printed again, reads the same");
 }
 
 } // namespace
-} // namespace loadwarden
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace loadwarden;
-    const std::string_view output = fuzz::text(data, size);
-
+void fuzz::run(std::string_view output) {
     const auto whole = samplesFed({output});
     const std::size_t third = output.size() / 3;
-    fuzz::check(samplesFed({output.substr(0, third), output.substr(third, third),
-                            output.substr(2 * third)}) == whole,
-                "text read in pieces gives the samples read at once");
+    check(samplesFed({output.substr(0, third), output.substr(third, third),
+                      output.substr(2 * third)}) == whole,
+          "text read in pieces gives the samples read at once");
     for (const NetworkSample& sample : whole) {
-        fuzz::check(!sample.empty(), "an empty block gives no sample");
+        check(!sample.empty(), "an empty block gives no sample");
         for (const auto& [pid, row] : sample) {
-            fuzz::check(pid == row.pid && pid >= 0, "rows are filed under their own pid");
+            check(pid == row.pid && pid >= 0, "rows are filed under their own pid");
             checkReprinted(row);
         }
     }
-    for (const std::string_view line : fuzz::leadingLines(output, 64)) {
+    for (const std::string_view line : leadingLines(output, 64)) {
         const auto row = NetTopParser::parseLine(line);
-        fuzz::check(!row || !(line.starts_with("time,") || line.starts_with(",bytes_in")),
-                    "a header is no row");
+        check(!row || !(line.starts_with("time,") || line.starts_with(",bytes_in")),
+              "a header is no row");
         if (row) {
             checkReprinted(*row);
         }
     }
-    return 0;
 }
+
+} // namespace loadwarden

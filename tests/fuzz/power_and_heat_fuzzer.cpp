@@ -3,7 +3,6 @@
 // and thermalLevelFromZones.
 #include "core/measurement/linux/power_supply.h"
 #include "core/measurement/linux/thermal_zones.h"
-#include "core/text/text_parsing.h"
 #include "tests/fuzz/fuzz_support.h"
 
 #include <algorithm>
@@ -14,7 +13,7 @@ namespace {
 using fuzz::check;
 
 bool isFraction(double value) {
-    return value >= 0.0 && value <= 1.0;
+    return fuzz::isWithin(value, 0.0, 1.0);
 }
 
 void checkBattery(const std::vector<PowerSupply>& batteries, std::optional<bool> online) {
@@ -38,7 +37,7 @@ void checkPowerSupplies(std::string_view text) {
                                       parsePowerSupplyUevent(second)};
     for (const PowerSupply& supply : supplies) {
         for (const auto& [key, value] : supply) {
-            check(value == trimWhitespace(value), "values are trimmed");
+            check(fuzz::isTrimmedLine(value), "values are trimmed lines");
         }
         isSystemBattery(supply);
         const auto online = mainsOnline(supply);
@@ -74,12 +73,10 @@ void checkThermalZone(std::string_view text) {
 }
 
 } // namespace
-} // namespace loadwarden
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace loadwarden;
-    const std::string_view text = fuzz::text(data, size);
+void fuzz::run(std::string_view text) {
     checkPowerSupplies(text);
     checkThermalZone(text);
-    return 0;
 }
+
+} // namespace loadwarden

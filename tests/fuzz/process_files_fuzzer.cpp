@@ -5,10 +5,10 @@
 // samples seed all of them.
 #include "core/measurement/linux/fields.h"
 #include "core/measurement/linux/process_files.h"
-#include "core/text/text_parsing.h"
 #include "tests/fuzz/fuzz_support.h"
 
 #include <array>
+#include <tuple>
 
 namespace loadwarden {
 namespace {
@@ -40,21 +40,17 @@ void checkStat(std::string_view text) {
     }
     stat->isKernelThread();
     runStateFromProcLetter(stat->state);
+    const auto fields = [](const ProcStat& s) {
+        return std::tie(s.pid, s.comm, s.state, s.ppid, s.flags, s.userTicks, s.systemTicks,
+                        s.threads, s.startTicks, s.residentPages);
+    };
     const auto again = ProcStat::parse(printed(*stat));
-    check(again.has_value(), "a parsed stat, printed again, parses");
-    check(again->pid == stat->pid && again->comm == stat->comm && again->state == stat->state &&
-              again->ppid == stat->ppid && again->flags == stat->flags &&
-              again->userTicks == stat->userTicks && again->systemTicks == stat->systemTicks &&
-              again->threads == stat->threads && again->startTicks == stat->startTicks &&
-              again->residentPages == stat->residentPages,
-          "a parsed stat, printed again, reads the same");
+    check(again && fields(*again) == fields(*stat), "a parsed stat, printed again, reads the same");
 }
 
 void checkStatusAndIO(std::string_view text) {
     for (const std::string_view key : {"Name", "State", "Uid", "VmRSS", "Threads"}) {
-        const std::string_view value = keyedValue(text, key);
-        check(value == trimWhitespace(value) && value.find('\n') == std::string_view::npos,
-              "a keyed value is one trimmed line");
+        check(fuzz::isTrimmedLine(keyedValue(text, key)), "a keyed value is one trimmed line");
     }
     if (const auto io = parseProcIO(text)) {
         const auto again = parseProcIO("read_bytes: " + std::to_string(io->readBytes) +
@@ -89,13 +85,11 @@ void checkNames(std::string_view text) {
 }
 
 } // namespace
-} // namespace loadwarden
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace loadwarden;
-    const std::string_view text = fuzz::text(data, size);
+void fuzz::run(std::string_view text) {
     checkStat(text);
     checkStatusAndIO(text);
     checkNames(text);
-    return 0;
 }
+
+} // namespace loadwarden

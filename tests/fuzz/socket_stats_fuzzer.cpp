@@ -31,27 +31,26 @@ bool isOwnedIn(std::int32_t pid, const std::vector<SocketBytes>& sockets) {
 }
 
 } // namespace
-} // namespace loadwarden
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace loadwarden;
-    const auto [first, second] = fuzz::halves(fuzz::text(data, size));
+void fuzz::run(std::string_view text) {
+    const auto [first, second] = halves(text);
     const auto earlier = parsed(first);
     const auto later = parsed(second);
 
     TcpSocketLedger ledger;
     const NetworkSample before = ledger.record(earlier);
     const NetworkSample after = ledger.record(later);
-    fuzz::check(ledger.record(later) == after, "a listing seen again adds nothing");
+    check(ledger.record(later) == after, "a listing seen again adds nothing");
     for (const auto& [pid, bytes] : after) {
-        fuzz::check(bytes.pid == pid && isOwnedIn(pid, later),
-                    "a process counts while it holds a socket");
+        check(bytes.pid == pid && isOwnedIn(pid, later),
+              "a process counts while it holds a socket");
         const auto previous = before.find(pid);
         if (previous != before.end() && previous->second.name == bytes.name) {
-            fuzz::check(bytes.bytesIn >= previous->second.bytesIn &&
-                            bytes.bytesOut >= previous->second.bytesOut,
-                        "a process's counters never go down");
+            check(bytes.bytesIn >= previous->second.bytesIn &&
+                      bytes.bytesOut >= previous->second.bytesOut,
+                  "a process's counters never go down");
         }
     }
-    return 0;
 }
+
+} // namespace loadwarden

@@ -1,5 +1,6 @@
 // The process commands as a user runs them: the real program, in its own
 // defaults folder, acting on real child processes.
+#include "app/foundation/user_files.h"
 #include "shell/control_options.h"
 #include "tests/support/program_runs.h"
 #include "tests/support/spinning_children.h"
@@ -82,8 +83,7 @@ TEST_F(ControlCommand, AKilledCopysProcessesAreContinuedByTheNextWhileALiveCopyK
     ::kill(pauseCopy, SIGTERM);
     EXPECT_EQ(exitStatusOf(pauseCopy), 0);
     EXPECT_EQ(settlesAt(paused, 'R'), 'R');
-    std::ifstream defaults(config / "Loadwarden" / "Loadwarden.conf");
-    const std::string stored((std::istreambuf_iterator<char>(defaults)), {});
+    const std::string stored = fileText(config / "Loadwarden" / "Loadwarden.conf").value_or("");
     EXPECT_NE(stored.find(R"({\"entries\":[]})"), std::string::npos) << stored;
 }
 
@@ -94,8 +94,7 @@ TEST_F(ControlCommand, PauseForAWhileThenEverythingRunsAgain) {
     EXPECT_EQ(settlesAt(child, 'T'), 'T');
     EXPECT_EQ(exitStatusOf(copy), 0);
     EXPECT_EQ(settlesAt(child, 'R'), 'R');
-    std::ifstream printed(output);
-    const std::string text((std::istreambuf_iterator<char>(printed)), {});
+    const std::string text = fileText(output).value_or("");
     EXPECT_NE(text.find("Paused "), std::string::npos) << text;
     EXPECT_NE(text.find("Resumed "), std::string::npos) << text;
 }

@@ -1,6 +1,7 @@
 // `loadwarden history` over a history file prepared in its own data folder.
 #include "app/foundation/clock.h"
 #include "app/foundation/local_calendar.h"
+#include "app/foundation/user_files.h"
 #include "core/history/usage_history.h"
 #include "shell/history_options.h"
 #include "tests/support/program_runs.h"
@@ -28,8 +29,7 @@ protected:
         all.insert(all.end(), arguments.begin(), arguments.end());
         const auto output = home / "output.txt";
         status = support::exitStatusOf(support::spawn(all, output.string()));
-        std::ifstream file(output);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return fileText(output).value_or("");
     }
 
     const std::filesystem::path home =

@@ -165,20 +165,6 @@ TEST_F(ProcessControllerTest, NothingIsStoppedWhenTheLedgerCannotBeSaved) {
     EXPECT_EQ(stateOf(children.pids[0]), 'R');
 }
 
-TEST_F(ProcessControllerTest, RefusesWhatThePolicyForbids) {
-    const Children children(1);
-    auto controller = makeController();
-    auto self = groupOfChildren(children.pids, GroupKind::background);
-    self.isSelf = true;
-    auto others = groupOf({rootProcess(children.pids[0], "daemon")});
-    for (const auto* group : {&self, &others}) {
-        EXPECT_EQ(controller.pause(*group), ProcessController::Result::refused);
-        EXPECT_EQ(controller.forceQuit(*group), ProcessController::Result::refused);
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(stateOf(children.pids[0]), 'R');
-}
-
 TEST_F(ProcessControllerTest, QuittingResumesEverythingAndEmptiesTheLedger) {
     const Children children(2);
     {

@@ -1,5 +1,4 @@
 #include "app/network/net_top_source.h"
-#include "app/network/network_monitor.h"
 #include "app/network/socket_stats_source.h"
 #include "app/runner/spawn.h"
 
@@ -30,15 +29,6 @@ TEST(NetTopSource, ClosesTheLastBlockItself) {
               (NetworkSample{{1, {.pid = 1, .name = "launchd", .bytesIn = 10, .bytesOut = 20}}}));
     EXPECT_FALSE(source.sample(""));
     EXPECT_FALSE(source.sample("time,,bytes_in,bytes_out,\n"));
-}
-
-TEST(SystemNetworkSource, LinuxReadsSocketStatsWhenInstalledAndSaysWhatItCovers) {
-#ifdef __APPLE__
-    GTEST_SKIP() << "macOS reads nettop";
-#else
-    EXPECT_EQ(NetworkMonitor().coverageNote(),
-              SocketStatsSource::locate() ? SocketStatsSource::coverage : "");
-#endif
 }
 
 // Moves `count` bytes through the descriptor with `io` (read or write).

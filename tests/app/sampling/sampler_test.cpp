@@ -162,20 +162,6 @@ TEST_F(SamplerTest, FactsAreReadOncePerProcessLife) {
     EXPECT_EQ(machine->factReads, 3);
 }
 
-TEST_F(SamplerTest, EndedProcessesAreForgotten) {
-    machine->table = {process(10, "job", 500.0, 0), process(11, "other", 500.0, 0)};
-    tickAt(1000.0);
-    machine->table = {process(11, "other", 500.0, 0)};
-    EXPECT_EQ(tickAt(1002.0).processes.size(), 1u);
-
-    // Back with the same start time and more CPU: nothing of the old tick is
-    // left to compare with, so no rate and a fresh read of its facts.
-    machine->table = {process(10, "job", 500.0, 9'000'000'000), process(11, "other", 500.0, 0)};
-    const auto again = find(tickAt(1004.0), 10);
-    EXPECT_EQ(again.rates.cpuPercent, 0.0);
-    EXPECT_EQ(machine->factReads, 3);
-}
-
 TEST_F(SamplerTest, UserNamesAreLookedUpOncePerUid) {
     machine->names = {{501, "ada"}, {0, "root"}};
     machine->table = {process(10, "a", 500.0, 0, 501), process(11, "b", 500.0, 0, 501),

@@ -2,7 +2,6 @@
 // table, signal targets and the reasons shown when nothing may be done.
 #include "core/control/process_policy.h"
 #include "core/control/protected_list.h"
-#include "core/grouping/process_group_json.h"
 #include "core/text/platform_wording.h"
 #include "tests/core/grouping/process_fixtures.h"
 
@@ -101,7 +100,9 @@ TEST(ProcessPolicy, DecisionTable) {
     protectedOne.isProtected = true;
     auto self = groupOf({process(13, "loadwarden")});
     self.isSelf = true;
-    for (const auto* group : {&otherUsers, &ownSystem, &protectedOne, &self}) {
+    auto ended = groupOf({process(15, "worker")});
+    ended.members[0].record.state = RunState::zombie; // only its parent can make it go
+    for (const auto* group : {&otherUsers, &ownSystem, &protectedOne, &self, &ended}) {
         EXPECT_THAT(actions(*group), IsEmpty()) << group->name;
         EXPECT_THAT(actions(*group, /*isLimited=*/true), IsEmpty()) << group->name;
     }
@@ -167,17 +168,6 @@ TEST(ProcessPolicy, OneLineReasonWhenNothingCanBeDone) {
     protectedApp.isProtected = true;
     EXPECT_EQ(ProcessPolicy::reason(protectedApp), protectedPart);
     EXPECT_FALSE(ProcessPolicy::reason(groupOf({process(4, "mytool")})));
-}
-
-TEST(GroupJson, RoundTripsAndAnUnknownKindFailsToDecode) {
-    // The keys and the kind's integer are pinned by the apps command's JSON.
-    const auto group =
-        ProcessGrouper::group({process(10, "Mail", "/Applications/Mail.app/Contents/MacOS/Mail")},
-                              AppNames{{10, "Mail"}}, myPID)[0];
-    nlohmann::json j = group;
-    EXPECT_EQ(j.get<ProcessGroup>(), group);
-    j["kind"] = 3;
-    EXPECT_THROW(j.get<ProcessGroup>(), nlohmann::json::exception);
 }
 
 } // namespace

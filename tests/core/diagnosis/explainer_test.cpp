@@ -1,5 +1,4 @@
 #include "core/diagnosis/cause_text.h"
-#include "core/diagnosis/diagnosis_json.h"
 #include "core/diagnosis/explainer.h"
 #include "core/text/platform_wording.h"
 
@@ -241,15 +240,6 @@ TEST(ExplainerRanking, WorstFirstAndAtMostTheCountAsked) {
     EXPECT_EQ(top[1].kind, Kind::lowDiskSpace);
     EXPECT_EQ(top[2].kind, Kind::thermal);
     EXPECT_TRUE(Explainer::explain(picture, 0).empty());
-}
-
-TEST(ExplainerJson, AFixWithoutAnAppHasANullKeyAndBothKindsDecodeBack) {
-    const nlohmann::json settingsFix = Fix::showStartupApps();
-    EXPECT_TRUE(settingsFix["key"].is_null());
-    EXPECT_EQ(settingsFix.get<Fix>(), Fix::showStartupApps());
-    const Cause cause{
-        .kind = Kind::appCPU, .score = 90, .appKey = "pid:42", .fix = Fix::pause("pid:42")};
-    EXPECT_EQ(nlohmann::json(cause).get<Cause>(), cause);
 }
 
 } // namespace

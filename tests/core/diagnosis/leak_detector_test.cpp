@@ -67,12 +67,5 @@ TEST(LeakDetectorLeak, FallingOrNoisyMemoryIsNoLeak) {
     EXPECT_FALSE(LeakDetector::leak(noisy));
 }
 
-TEST(LeakDetectorLeak, RuleThresholdsAreParameters) {
-    const auto points = steadyRise(1 * GB, 100 * MB, 10);
-    EXPECT_FALSE(LeakDetector::leak(points));
-    EXPECT_TRUE(LeakDetector::leak(
-        points, LeakRule{.minSpan = 600, .minGrowth = 50 * MB, .minRelativeGrowth = 0.05}));
-}
-
 } // namespace
 } // namespace loadwarden

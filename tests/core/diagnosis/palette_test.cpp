@@ -95,17 +95,6 @@ TEST(PaletteRanker, AWholeWordBeatsAWordItOnlyBegins) {
     EXPECT_EQ(PaletteRanker::rank(entries, "show mail", 1)[0].id, "show:mail");
 }
 
-TEST(PaletteRanker, FindsNamesBeyondASCII) {
-    const std::vector<PaletteEntry> entries{
-        {"show:overview", "Show", "Übersicht", "pid 12", PaletteRisk::show, 1},
-        {"show:safari", "Show", "Safari", "pid 13", PaletteRisk::show, 1},
-    };
-    EXPECT_EQ(phrases(PaletteRanker::rank(entries, "über", 10)),
-              std::vector<std::string>{"Show Übersicht"});
-    EXPECT_EQ(phrases(PaletteRanker::rank(entries, "Show ÜB", 10)),
-              std::vector<std::string>{"Show Übersicht"});
-}
-
 TEST(PaletteRanker, PidFindsItsApp) {
     const auto found = PaletteRanker::rank(commands(), "977", 10);
     ASSERT_EQ(found.size(), 3u);

@@ -38,16 +38,6 @@ ProcessRecord sampleRecord() {
                          .arch = Architecture::rosetta};
 }
 
-TEST(JsonCoding, KeysAreFieldNamesAndAbsentValuesAreNull) {
-    const nlohmann::json j = LiveProcess{sampleRecord(), ProcessRates{.cpuPercent = 12.5}};
-    EXPECT_EQ(j["record"]["responsiblePID"], 7);
-    EXPECT_EQ(j["record"]["arch"], "rosetta");
-    EXPECT_TRUE(j["record"]["energyNJ"].is_null());
-    EXPECT_TRUE(j["rates"]["diskBytesPerSecond"].is_null());
-    EXPECT_EQ(j.get<LiveProcess>(),
-              (LiveProcess{sampleRecord(), ProcessRates{.cpuPercent = 12.5}}));
-}
-
 TEST(JsonCoding, SystemSampleRoundTripsWithPressureAsItsInteger) {
     SystemSample sample;
     sample.coreUsage = {0.25, 1.0};

@@ -64,15 +64,6 @@ TEST(Totals, SumMembersAndStayAbsentOnlyWhenNoMemberHasTheFigure) {
     EXPECT_FALSE(bare.totalNetwork());
 }
 
-TEST(TotalsDeathTest, MemoryThatOverflowsIsAFaultNotAWrap) {
-    auto huge = process(1, "huge");
-    huge.record.memoryBytes = std::numeric_limits<std::uint64_t>::max();
-    auto oneByteMore = process(2, "one byte more");
-    oneByteMore.record.memoryBytes = 1;
-    const ProcessGroup group = groupOf({huge, oneByteMore});
-    EXPECT_DEATH((void)group.totalMemory(), "overflow");
-}
-
 TEST(SortGroups, SectionsNeverMixWhateverTheColumnAndDirection) {
     const std::vector groups{
         lone(1, "kernel", GroupKind::system, {.cpuPercent = 90}),

@@ -3,7 +3,6 @@
 #include "tests/shell/desktop/desktop_support.h"
 #include "tests/support/event_loop.h"
 
-#include <QLabel>
 #include <QTemporaryDir>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -48,14 +47,6 @@ int linePixels(GraphView& graph) {
     return count;
 }
 
-QStringList textsOf(const std::vector<QLabel*>& labels) {
-    QStringList texts;
-    for (const QLabel* label : labels) {
-        texts << label->text();
-    }
-    return texts;
-}
-
 class PerformanceTabTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { support::ensureWidgetApplication(); }
@@ -96,29 +87,25 @@ protected:
     int elapsed = 0;
 };
 
+// The panels' figures and rules are core's; here, what the widgets add.
 TEST_F(PerformanceTabTest, EmptyGraphsFillPointByPointInTheSameWidgets) {
     tab->showFigures(graphs, sampleAt(0, standardCores(8)), false);
     QApplication::processEvents();
     support::saveScreenshot(*tab, "performance-empty");
     EXPECT_EQ(graph(cpu).accessibleName(), "CPU");
-    EXPECT_FALSE(graph(cpu).drawsLine());
     EXPECT_EQ(linePixels(graph(cpu)), 0);
     EXPECT_TRUE(tab->coreGraphs().empty()); // no core has a series yet
 
     run(1, standardCores(8));
     EXPECT_GT(linePixels(graph(cpu)), 0); // one reading is a dot
     ASSERT_EQ(tab->coreGraphs().size(), 8u);
-    EXPECT_EQ(textsOf(tab->coreHeadings()), QStringList{"Cores"});
     const std::vector<GraphView*> cores = tab->coreGraphs();
-
     run(19, standardCores(8));
     support::saveScreenshot(*tab, "performance-filling");
     run(60, standardCores(8));
     support::saveScreenshot(*tab, "performance-full");
     EXPECT_EQ(tab->coreGraphs(), cores);
-    EXPECT_EQ(cores[7]->accessibleName(), "Core 8");
     EXPECT_TRUE(cores[7]->accessibleDescription().endsWith('%'));
-    EXPECT_EQ(graph(swap).figureText(), "1 GB of 4 GB used");
 }
 
 TEST_F(PerformanceTabTest, AFigureTheSystemDoesNotGiveIsADashWithNoLine) {
@@ -137,23 +124,19 @@ TEST_F(PerformanceTabTest, AFigureTheSystemDoesNotGiveIsADashWithNoLine) {
     graphs.energy.append(7.5);
     tab->showFigures(graphs, sample, true);
     support::saveScreenshot(*tab, "performance-all-figures");
-    EXPECT_EQ(graph(gpu).figureText(), "42%");
-    EXPECT_EQ(graph(energy).figureText(), "7.5 W");
     for (const Panel known : {gpu, battery, energy}) {
+        EXPECT_NE(graph(known).figureText(), "-") << known;
         EXPECT_GT(linePixels(graph(known)), 0) << known;
     }
 }
 
-TEST_F(PerformanceTabTest, TwoKindsOfCoresStandUnderTheirHeadingsAndFollowTheCount) {
-    // Efficiency cores first, as the kernel numbers them on a Mac.
+TEST_F(PerformanceTabTest, CoresOfTwoKindsSitInTheKeyboardOrderAndFollowTheCount) {
     std::vector<CoreKind> hybrid(4, CoreKind::efficiency);
     hybrid.insert(hybrid.end(), 8, CoreKind::performance);
     run(60, hybrid);
     support::saveScreenshot(*tab, "performance-two-kinds");
-    EXPECT_EQ(textsOf(tab->coreHeadings()), (QStringList{"Performance cores", "Efficiency cores"}));
+    ASSERT_EQ(tab->coreHeadings().size(), 2u);
     ASSERT_EQ(tab->coreGraphs().size(), 12u);
-    EXPECT_EQ(tab->coreGraphs()[0]->accessibleName(), "Core 5");
-    EXPECT_EQ(tab->coreGraphs()[8]->accessibleName(), "Core 1");
     // The keyboard goes from memory to the cores, and from the last core on to swap.
     EXPECT_EQ(graph(memory).nextInFocusChain(), tab->coreGraphs().front());
     EXPECT_EQ(tab->coreGraphs().back()->nextInFocusChain(), &graph(swap));
@@ -162,7 +145,6 @@ TEST_F(PerformanceTabTest, TwoKindsOfCoresStandUnderTheirHeadingsAndFollowTheCou
     run(1, hybrid);
     support::saveScreenshot(*tab, "performance-more-cores");
     ASSERT_EQ(tab->coreGraphs().size(), 16u);
-    EXPECT_EQ(tab->coreGraphs()[15]->accessibleName(), "Core 4");
     EXPECT_GT(linePixels(*tab->coreGraphs()[15]), 0);
 }
 

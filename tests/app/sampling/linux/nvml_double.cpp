@@ -35,15 +35,6 @@ bool initFails = false;
 int shutdowns = 0;
 std::vector<Device> devices;
 
-Device* deviceAt(void* handle) {
-    for (auto& device : devices) {
-        if (&device == handle) {
-            return &device;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 extern "C" {
@@ -70,23 +61,17 @@ int nvmlDeviceGetHandleByIndex_v2(unsigned int index, void** device) {
     return success;
 }
 
+// A handle is the address of its device.
 int nvmlDeviceGetUtilizationRates(void* handle, Utilization* utilization) {
-    Device* device = deviceAt(handle);
-    if (device == nullptr) {
-        return invalidArgument;
-    }
-    *utilization = Utilization{.gpu = device->busyPercent, .memory = 0};
+    *utilization = Utilization{.gpu = static_cast<Device*>(handle)->busyPercent, .memory = 0};
     return success;
 }
 
 int nvmlDeviceGetProcessUtilization(void* handle, ProcessSample* samples, unsigned int* count,
                                     unsigned long long lastSeenTimeStamp) {
-    Device* device = deviceAt(handle);
-    if (device == nullptr) {
-        return invalidArgument;
-    }
+    const auto& all = static_cast<Device*>(handle)->samples;
     std::vector<ProcessSample> newer;
-    std::copy_if(device->samples.begin(), device->samples.end(), std::back_inserter(newer),
+    std::copy_if(all.begin(), all.end(), std::back_inserter(newer),
                  [=](const ProcessSample& sample) { return sample.timeStamp > lastSeenTimeStamp; });
     if (newer.empty()) {
         return notFound;

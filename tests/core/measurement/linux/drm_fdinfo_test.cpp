@@ -7,34 +7,23 @@ namespace {
 
 // An Intel integrated graphics client as the i915 driver prints it.
 std::string i915Client(std::uint64_t renderNs, std::uint64_t videoNs) {
-    return "pos:    0\n"
-           "flags:  0100002\n"
-           "mnt_id: 21\n"
-           "ino:    1234\n"
-           "drm-driver:     i915\n"
-           "drm-pdev:       0000:00:02.0\n"
-           "drm-client-id:  7\n"
+    const std::string render = std::to_string(renderNs);
+    const std::string video = std::to_string(videoNs);
+    return "pos:    0\nflags:  0100002\nmnt_id: 21\nino:    1234\ndrm-driver:     i915\n"
+           "drm-pdev:       0000:00:02.0\ndrm-client-id:  7\n"
            "drm-engine-render:      " +
-           std::to_string(renderNs) +
-           " ns\n"
-           "drm-engine-copy:        0 ns\n"
+           render +
+           " ns\ndrm-engine-copy:        0 ns\n"
            "drm-engine-video:       " +
-           std::to_string(videoNs) +
-           " ns\n"
-           "drm-engine-capacity-video:      2\n";
+           video + " ns\ndrm-engine-capacity-video:      2\n";
 }
 
 // A client of Intel's newer xe driver, which counts cycles beside the engine's clock.
 std::string xeClient(std::uint64_t renderCycles, std::uint64_t clock) {
-    return "drm-driver:     xe\n"
-           "drm-client-id:  3\n"
-           "drm-pdev:       0000:03:00.0\n"
-           "drm-total-gtt:  192 KiB\n"
-           "drm-cycles-rcs: " +
-           std::to_string(renderCycles) +
-           "\n"
-           "drm-total-cycles-rcs:   " +
-           std::to_string(clock) + "\n";
+    return "drm-driver:     xe\ndrm-client-id:  3\ndrm-pdev:       0000:03:00.0\n"
+           "drm-total-gtt:  192 KiB\ndrm-cycles-rcs: " +
+           std::to_string(renderCycles) + "\ndrm-total-cycles-rcs:   " + std::to_string(clock) +
+           "\n";
 }
 
 TEST(DrmFdinfo, ClientWithItsEnginesInNanosecondsOrCycles) {

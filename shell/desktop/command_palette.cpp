@@ -1,5 +1,7 @@
 #include "shell/desktop/command_palette.h"
 
+#include "shell/desktop/qt_text.h"
+
 #include <QAction>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -12,22 +14,18 @@ namespace {
 
 constexpr std::size_t maxShown = 12;
 
-QString text(std::string_view words) {
-    return QString::fromUtf8(words.data(), static_cast<qsizetype>(words.size()));
-}
-
 // A menu title as a command reads: no mnemonic marks.
 std::string commandTitle(const QAction& action) {
     return action.text().remove(QLatin1Char('&')).toStdString();
 }
 
 QString line(const PaletteEntry& entry) {
-    QString words = text(entry.phrase()).simplified(); // "Go to " ends in a space of its own
+    QString words = qtText(entry.phrase()).simplified(); // "Go to " ends in a space of its own
     if (!entry.detail.empty()) {
-        words += QStringLiteral("  —  ") + text(entry.detail);
+        words += QStringLiteral("  —  ") + qtText(entry.detail);
     }
     if (const std::string_view risk = PaletteCommands::riskText(entry.risk); !risk.empty()) {
-        words += QStringLiteral("  ·  ") + text(risk);
+        words += QStringLiteral("  ·  ") + qtText(risk);
     }
     return words;
 }
@@ -133,7 +131,7 @@ void CommandPalette::act(const PaletteEntry& entry) {
     // The app as it is now; it may have gone since the palette opened.
     const ProcessGroup* found = model_.group(command->subject);
     if (!found) {
-        model_.setProblem(text(entry.target) + QStringLiteral(" is no longer running."));
+        model_.setProblem(qtText(entry.target) + QStringLiteral(" is no longer running."));
         return;
     }
     const ProcessGroup group = *found;

@@ -1,6 +1,7 @@
 #include "shell/desktop/details_tab.h"
 
 #include "core/details/process_details.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QHeaderView>
 #include <QScrollBar>
@@ -32,7 +33,7 @@ DetailsTab::DetailsTab(AppModel& model, QWidget* parent)
     : TabPage(parent), model_(model), table_(new QTreeWidget(this)), rows_(*table_) {
     QStringList titles;
     for (const ProcessFact fact : allProcessFacts) {
-        titles << QString::fromUtf8(title(fact).data(), static_cast<qsizetype>(title(fact).size()));
+        titles << qtText(title(fact));
     }
     table_->setHeaderLabels(titles);
     table_->setRootIsDecorated(false);

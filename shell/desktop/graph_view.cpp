@@ -1,6 +1,7 @@
 #include "shell/desktop/graph_view.h"
 
 #include "core/text/units_format.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -13,7 +14,7 @@ namespace {
 constexpr qreal titleGap = 12.0;
 constexpr int gridColumns = 6; // ten readings each at full capacity
 constexpr int gridRows = 4;
-const QString dash = QString::fromUtf8(noFigure.data(), static_cast<qsizetype>(noFigure.size()));
+const QString dash = qtText(noFigure);
 
 // A shade between two palette colours, so that grid, frame and fill suit light and dark
 // palettes alike.

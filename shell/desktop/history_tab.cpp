@@ -2,6 +2,7 @@
 
 #include "core/history/usage_figures.h"
 #include "shell/desktop/delete_history.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -24,8 +25,7 @@ HistoryTab::HistoryTab(AppModel& model, QWidget* parent)
     : TabPage(parent), model_(model), range_(new QComboBox(this)), pages_(new QStackedWidget(this)),
       table_(new QTreeWidget(this)), rows_(*table_) {
     for (const HistoryRange range : ranges) {
-        range_->addItem(QString::fromUtf8(title(range).data(), title(range).size()),
-                        dayCount(range));
+        range_->addItem(qtText(title(range)), dayCount(range));
     }
     range_->setCurrentIndex(std::max(0, range_->findData(model_.historyDays())));
     auto* show = new QLabel(QStringLiteral("Show"), this);
@@ -35,7 +35,7 @@ HistoryTab::HistoryTab(AppModel& model, QWidget* parent)
 
     QStringList titles{QStringLiteral("Name")};
     for (const std::string_view title : usageColumnTitles) {
-        titles << QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()));
+        titles << qtText(title);
     }
     table_->setHeaderLabels(titles);
     table_->setRootIsDecorated(false);

@@ -8,6 +8,7 @@
 #include "shell/desktop/history_tab.h"
 #include "shell/desktop/performance_tab.h"
 #include "shell/desktop/processes_tab.h"
+#include "shell/desktop/qt_text.h"
 #include "shell/desktop/startup_tab.h"
 #include "shell/desktop/why_sheet.h"
 
@@ -31,8 +32,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
     for (QWidget* page :
          std::initializer_list<QWidget*>{processes_, performance_, history_, startup_, details_}) {
         const Tab tab = allTabs[static_cast<std::size_t>(tabs_->count())];
-        tabs_->addTab(
-            page, QString::fromUtf8(title(tab).data(), static_cast<qsizetype>(title(tab).size())));
+        tabs_->addTab(page, qtText(title(tab)));
     }
     tabs_->setDocumentMode(true);
     setCentralWidget(tabs_);
@@ -95,9 +95,9 @@ void MainWindow::buildMenus() {
     });
     find->setShortcut(QKeySequence::Find);
     view->addSeparator();
-    QAction* why = view->addAction(
-        QString::fromUtf8(onThisPlatform("Why Is My Mac Slow?", "Why Is My Computer Slow?").data()),
-        this, &MainWindow::showWhySheet);
+    QAction* why =
+        view->addAction(qtText(onThisPlatform("Why Is My Mac Slow?", "Why Is My Computer Slow?")),
+                        this, &MainWindow::showWhySheet);
     why->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_J));
     QAction* palette =
         view->addAction(QStringLiteral("Command Palette…"), this, &MainWindow::showPalette);

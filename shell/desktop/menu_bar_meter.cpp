@@ -1,6 +1,7 @@
 #include "shell/desktop/menu_bar_meter.h"
 
 #include "core/diagnosis/cause_text.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QFont>
 #include <QPainter>
@@ -16,9 +17,7 @@ constexpr int iconSize = 64;
 
 MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent) : QObject(parent), model_(model) {
     menu_.addAction(QStringLiteral("Open Loadwarden"), this, &MenuBarMeter::openRequested);
-    menu_.addAction(QString::fromUtf8(CauseText::question().data(),
-                                      static_cast<qsizetype>(CauseText::question().size())),
-                    this, &MenuBarMeter::whyRequested);
+    menu_.addAction(qtText(CauseText::question()), this, &MenuBarMeter::whyRequested);
     menu_.addSeparator();
     menu_.addAction(QStringLiteral("Quit Loadwarden"), this, &MenuBarMeter::quitRequested);
 #ifndef __APPLE__

@@ -4,6 +4,7 @@
 #include "core/control/action_text.h"
 #include "core/control/process_policy.h"
 #include "core/text/units_format.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QMenu>
 #include <QMessageBox>
@@ -18,10 +19,6 @@ namespace {
 constexpr int reopenPatience = 30'000;
 constexpr int reopenPoll = 250;
 
-QString text(const std::string& value) {
-    return QString::fromStdString(value);
-}
-
 } // namespace
 
 ProcessActions::ProcessActions(AppModel& model, QWidget* dialogParent)
@@ -33,11 +30,11 @@ bool ProcessActions::offers(ProcessAction action, const ProcessGroup& group) con
 
 void ProcessActions::fill(QMenu& menu, const ProcessGroup& group) {
     if (const auto refusal = ActionText::menuRefusal(group)) {
-        menu.addAction(text(*refusal))->setEnabled(false);
+        menu.addAction(qtText(*refusal))->setEnabled(false);
         return;
     }
     const auto add = [&](ProcessAction action, const std::string& title, auto perform) {
-        QAction* entry = menu.addAction(text(title));
+        QAction* entry = menu.addAction(qtText(title));
         entry->setEnabled(offers(action, group));
         connect(entry, &QAction::triggered, this, [this, group, perform] { perform(group); });
         return entry;
@@ -51,17 +48,17 @@ void ProcessActions::fill(QMenu& menu, const ProcessGroup& group) {
     add(paused ? ProcessAction::resume : ProcessAction::pause,
         paused ? ActionText::resumeTitle(group) : ActionText::pauseTitle(group),
         [this](const ProcessGroup& target) { pauseOrResume(target); })
-        ->setToolTip(text(paused ? ActionText::resumeHelp() : ActionText::pauseHelp()));
+        ->setToolTip(qtText(paused ? ActionText::resumeHelp() : ActionText::pauseHelp()));
     if (model_.controller().limitOf(group.id)) {
         add(ProcessAction::limit, ActionText::limitTitle(group, true),
             [this](const ProcessGroup& target) { removeLimit(target); });
         return;
     }
-    QMenu* limits = menu.addMenu(text(ActionText::limitTitle(group, false)));
+    QMenu* limits = menu.addMenu(qtText(ActionText::limitTitle(group, false)));
     limits->setEnabled(offers(ProcessAction::limit, group));
     for (const double percent : limitChoices) {
-        connect(limits->addAction(text(formatPercent(percent) + " of a core")), &QAction::triggered,
-                this, [this, group, percent] { limit(group, percent); });
+        connect(limits->addAction(qtText(formatPercent(percent) + " of a core")),
+                &QAction::triggered, this, [this, group, percent] { limit(group, percent); });
     }
 }
 
@@ -70,9 +67,10 @@ void ProcessActions::quit(const ProcessGroup& group) {
 }
 
 bool ProcessActions::forceQuit(const ProcessGroup& group) {
-    QMessageBox confirm(QMessageBox::Warning, text("Force Quit " + group.name + "?"),
-                        text("Force Quit " + group.name + "?"), QMessageBox::Cancel, dialogParent_);
-    confirm.setInformativeText(text(ActionText::forceQuitConfirmation(group)));
+    QMessageBox confirm(QMessageBox::Warning, qtText("Force Quit " + group.name + "?"),
+                        qtText("Force Quit " + group.name + "?"), QMessageBox::Cancel,
+                        dialogParent_);
+    confirm.setInformativeText(qtText(ActionText::forceQuitConfirmation(group)));
     QPushButton* force =
         confirm.addButton(QStringLiteral("Force Quit"), QMessageBox::DestructiveRole);
     confirm.setDefaultButton(QMessageBox::Cancel);
@@ -103,15 +101,15 @@ void ProcessActions::relaunch(const ProcessGroup& group) {
     const auto reopening = reopeningOf(group);
     const auto started = processStartTime(pid);
     if (!reopening || !started) {
-        model_.setProblem(text(group.name + " can’t be reopened: the system doesn’t say how it "
-                                            "was started."));
+        model_.setProblem(qtText(group.name + " can’t be reopened: the system doesn’t say how it "
+                                              "was started."));
         return;
     }
     if (model_.controller().quit(group) != ProcessController::Result::done) {
         report(ProcessController::Result::refused, group);
         return;
     }
-    reopenWhenGone(pid, *started, *reopening, text(group.name), reopenPatience / reopenPoll);
+    reopenWhenGone(pid, *started, *reopening, qtText(group.name), reopenPatience / reopenPoll);
 }
 
 // Polled rather than waited on: an app may take a while to save and quit,
@@ -138,12 +136,12 @@ void ProcessActions::report(ProcessController::Result result, const ProcessGroup
     case ProcessController::Result::done:
         return;
     case ProcessController::Result::refused:
-        model_.setProblem(text(
+        model_.setProblem(qtText(
             ActionText::menuRefusal(group).value_or(group.name + " can’t be changed right now.")));
         return;
     case ProcessController::Result::notRecorded:
-        model_.setProblem(text("Nothing was paused: Loadwarden couldn’t note " + group.name +
-                               " down to resume it later."));
+        model_.setProblem(qtText("Nothing was paused: Loadwarden couldn’t note " + group.name +
+                                 " down to resume it later."));
         return;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "core/startup/startup_text.h"
 #include "core/text/platform_wording.h"
+#include "shell/desktop/qt_text.h"
 #include "shell/desktop/reveal_file.h"
 
 #include <QDesktopServices>
@@ -20,10 +21,6 @@ enum Column { name, kind, runs, status, impact };
 
 std::string keyOf(const StartupItem& item) {
     return item.plistPath + '\n' + item.label;
-}
-
-QString text(const std::string& words) {
-    return QString::fromStdString(words);
 }
 
 } // namespace
@@ -73,7 +70,7 @@ StartupTab::StartupTab(AppModel& model, QWidget* parent)
     });
     connect(reveal_, &QPushButton::clicked, this, [this] {
         if (const StartupItem* item = selectedItem()) {
-            revealFile(text(item->plistPath.empty() ? item->program : item->plistPath));
+            revealFile(qtText(item->plistPath.empty() ? item->program : item->plistPath));
         }
     });
     connect(reload, &QPushButton::clicked, &model_, &AppModel::refreshStartupItems);
@@ -91,14 +88,14 @@ void StartupTab::refresh() {
         const StartupRow& shown = shown_[index];
         SortableRow& row = rows_.row(keyOf(shown.item));
         row.setData(name, Qt::UserRole, static_cast<qulonglong>(index));
-        setCell(row, name, text(shown.item.name));
-        setCell(row, kind, text(StartupText::kind(shown.item)));
-        setCell(row, runs, text(StartupText::runs(shown.item)));
-        setCell(row, status, text(StartupText::status(shown.item)));
-        setCell(row, impact, text(StartupText::impact(shown.impact)),
+        setCell(row, name, qtText(shown.item.name));
+        setCell(row, kind, qtText(StartupText::kind(shown.item)));
+        setCell(row, runs, qtText(StartupText::runs(shown.item)));
+        setCell(row, status, qtText(StartupText::status(shown.item)));
+        setCell(row, impact, qtText(StartupText::impact(shown.impact)),
                 static_cast<double>(shown.impact));
         row.setToolTip(
-            name, text(shown.item.plistPath.empty() ? shown.item.program : shown.item.plistPath));
+            name, qtText(shown.item.plistPath.empty() ? shown.item.program : shown.item.plistPath));
     }
     rows_.endRefresh();
     updateButtons();
@@ -120,7 +117,7 @@ void StartupTab::updateButtons() {
                                             : QStringLiteral("Turn Off"));
     switch_->setVisible(!item || changeable);
     switch_->setEnabled(changeable);
-    note_->setText(item && !changeable ? text(StartupText::onlyAnAdministrator()) : QString());
+    note_->setText(item && !changeable ? qtText(StartupText::onlyAnAdministrator()) : QString());
     reveal_->setEnabled(item != nullptr);
 }
 

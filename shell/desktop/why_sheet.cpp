@@ -2,6 +2,7 @@
 
 #include "core/diagnosis/cause_text.h"
 #include "core/text/units_format.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QDesktopServices>
 #include <QDialogButtonBox>
@@ -20,10 +21,6 @@ namespace {
 
 constexpr std::size_t maxCauses = 6;
 constexpr std::size_t busiestCount = 5;
-
-QString text(std::string_view words) {
-    return QString::fromUtf8(words.data(), static_cast<qsizetype>(words.size()));
-}
 
 // The cards that stand for the same causes can be refreshed in place.
 bool sameCauses(const std::vector<Cause>& a, const std::vector<Cause>& b) {
@@ -55,7 +52,7 @@ void openSystemSettings(const char* page) {
 WhySheet::WhySheet(AppModel& model, ProcessActions& actions, QWidget* parent)
     : QDialog(parent), model_(model), actions_(actions), cards_(new QVBoxLayout),
       busiest_(new QTreeWidget(this)) {
-    setWindowTitle(text(CauseText::question()));
+    setWindowTitle(qtText(CauseText::question()));
     resize(560, 620);
 
     auto* cardArea = new QWidget;
@@ -67,12 +64,12 @@ WhySheet::WhySheet(AppModel& model, ProcessActions& actions, QWidget* parent)
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
 
-    auto* heading = new QLabel(text(CauseText::busiestHeading()), this);
+    auto* heading = new QLabel(qtText(CauseText::busiestHeading()), this);
     heading->setStyleSheet(QStringLiteral("font-weight: bold"));
     busiest_->setHeaderLabels(
         {QStringLiteral("Name"), QStringLiteral("CPU"), QStringLiteral("Memory"), QString()});
     busiest_->setRootIsDecorated(false);
-    busiest_->setAccessibleName(text(CauseText::busiestHeading()));
+    busiest_->setAccessibleName(qtText(CauseText::busiestHeading()));
     busiest_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     busiest_->header()->setStretchLastSection(false);
     busiest_->setMinimumHeight(busiest_->fontMetrics().height() * 9);
@@ -111,17 +108,17 @@ void WhySheet::refresh() {
             auto* title = cards_->itemAt(static_cast<int>(index))
                               ->widget()
                               ->findChild<QLabel*>(QStringLiteral("title"));
-            title->setText(text(CauseText::title(causes_[index])));
+            title->setText(qtText(CauseText::title(causes_[index])));
         }
     }
 
     busiest_->clear();
     for (const ExplainerApp& app : Diagnosis::busiest(picture.apps, busiestCount)) {
         const auto reason = readOnlyReasons_.find(app.key);
-        new QTreeWidgetItem(busiest_,
-                            {text(app.name), text(formatPercent(app.cpuPercent)),
-                             text(formatBytes(app.memoryBytes)),
-                             reason == readOnlyReasons_.end() ? QString() : text(reason->second)});
+        new QTreeWidgetItem(
+            busiest_, {qtText(app.name), qtText(formatPercent(app.cpuPercent)),
+                       qtText(formatBytes(app.memoryBytes)),
+                       reason == readOnlyReasons_.end() ? QString() : qtText(reason->second)});
     }
 }
 
@@ -134,10 +131,10 @@ void WhySheet::rebuildCards() {
         auto* allClear = new QFrame;
         allClear->setFrameShape(QFrame::StyledPanel);
         auto* layout = new QVBoxLayout(allClear);
-        auto* title = wrappedLabel(text(CauseText::allClearTitle()), allClear);
+        auto* title = wrappedLabel(qtText(CauseText::allClearTitle()), allClear);
         title->setStyleSheet(QStringLiteral("font-weight: bold"));
         layout->addWidget(title);
-        layout->addWidget(wrappedLabel(text(CauseText::allClearSentence()), allClear));
+        layout->addWidget(wrappedLabel(qtText(CauseText::allClearSentence()), allClear));
         cards_->addWidget(allClear);
         return;
     }
@@ -153,20 +150,20 @@ QWidget* WhySheet::card(std::size_t index) {
     auto* symbol = new QLabel(frame);
     symbol->setPixmap(style()->standardIcon(severity(cause.score)).pixmap(32, 32));
     symbol->setAlignment(Qt::AlignTop);
-    auto* title = wrappedLabel(text(CauseText::title(cause)), frame);
+    auto* title = wrappedLabel(qtText(CauseText::title(cause)), frame);
     title->setObjectName(QStringLiteral("title"));
     title->setStyleSheet(QStringLiteral("font-weight: bold"));
 
     auto* words = new QVBoxLayout;
     words->addWidget(title);
-    words->addWidget(wrappedLabel(text(CauseText::detail(cause)), frame));
+    words->addWidget(wrappedLabel(qtText(CauseText::detail(cause)), frame));
     if (cause.fix) {
         auto* fix = new QPushButton(
-            text(CauseText::fixLabel(*cause.fix, cause.appName.value_or(""))), frame);
+            qtText(CauseText::fixLabel(*cause.fix, cause.appName.value_or(""))), frame);
         connect(fix, &QPushButton::clicked, this, [this, index] { applyFix(index); });
         words->addWidget(fix, 0, Qt::AlignLeft);
     } else if (cause.appKey && readOnlyReasons_.contains(*cause.appKey)) {
-        auto* reason = wrappedLabel(text(readOnlyReasons_.at(*cause.appKey)), frame);
+        auto* reason = wrappedLabel(qtText(readOnlyReasons_.at(*cause.appKey)), frame);
         reason->setEnabled(false); // the palette's quieter text
         words->addWidget(reason);
     }

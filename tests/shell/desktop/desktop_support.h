@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QTemporaryDir>
 #include <QWidget>
 #include <string>
 
@@ -22,6 +23,20 @@ inline void ensureWidgetApplication() {
         new QApplication(argc, argv);
     }
 }
+
+// Settings and data folders of the test's own, so the user's are never touched.
+class PrivateHome {
+public:
+    PrivateHome() {
+        qputenv("XDG_CONFIG_HOME", filePath("config").toUtf8());
+        qputenv("XDG_DATA_HOME", filePath("data").toUtf8());
+    }
+    bool isValid() const { return folder_.isValid(); }
+    QString filePath(const QString& name) const { return folder_.filePath(name); }
+
+private:
+    QTemporaryDir folder_;
+};
 
 // Saved as artifacts/NAME.png beside the tests.
 inline void saveScreenshot(QWidget& widget, const std::string& name) {

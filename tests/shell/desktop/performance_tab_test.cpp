@@ -3,7 +3,6 @@
 #include "tests/shell/desktop/desktop_support.h"
 #include "tests/support/event_loop.h"
 
-#include <QTemporaryDir>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -53,8 +52,6 @@ protected:
 
     void SetUp() override {
         ASSERT_TRUE(home.isValid());
-        qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
-        qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
         model = std::make_unique<AppModel>(AppModel::machineParts());
         tab = std::make_unique<PerformanceTab>(*model);
         tab->resize(960, 900);
@@ -79,7 +76,7 @@ protected:
 
     GraphView& graph(Panel panel) { return *tab->systemGraphs().at(panel); }
 
-    QTemporaryDir home;
+    support::PrivateHome home;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<PerformanceTab> tab;
     Graphs graphs;

@@ -4,16 +4,13 @@
 #include "tests/support/event_loop.h"
 #include "tests/support/status_notifier_watcher.h"
 
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace loadwarden {
 namespace {
 
 TEST(TrayTest, AHostReadsTheMeterTextAsTheTooltip) {
-    QTemporaryDir home;
-    qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
-    qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
+    const support::PrivateHome home;
     // The host must be there before the program looks for a tray.
     support::ensureWidgetApplication();
     support::StatusNotifierWatcher watcher;

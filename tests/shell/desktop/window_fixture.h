@@ -12,7 +12,6 @@
 #include <QAbstractButton>
 #include <QMenu>
 #include <QMessageBox>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <csignal>
 #include <gtest/gtest.h>
@@ -77,8 +76,6 @@ protected:
 
     void SetUp() override {
         ASSERT_TRUE(home.isValid());
-        qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
-        qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
         prepareHome();
         spinner = loneSpinner();
         ASSERT_GT(spinner, 0);
@@ -103,7 +100,7 @@ protected:
     ProcessTreeModel& table() { return window->processesTab().tableModel(); }
     QModelIndex spinnerRow() { return table().indexOfKey("pid:" + std::to_string(spinner)); }
 
-    QTemporaryDir home;
+    PrivateHome home;
     pid_t spinner = -1;
     std::unique_ptr<AppModel> model;
     std::unique_ptr<MainWindow> window;

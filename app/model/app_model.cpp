@@ -404,6 +404,36 @@ const ProcessGroup* AppModel::group(const std::string& id) const {
     return found == groups_.end() ? nullptr : &*found;
 }
 
+void AppModel::setTab(Tab tab) {
+    assignIfChanged(this, tab_, tab, &AppModel::tabChanged);
+}
+
+void AppModel::setSheet(std::optional<Sheet> sheet) {
+    assignIfChanged(this, sheet_, sheet, &AppModel::sheetChanged);
+}
+
+void AppModel::setSearch(std::string search) {
+    assignIfChanged(this, search_, std::move(search), &AppModel::searchChanged);
+}
+
+void AppModel::setSort(ProcessColumn column, bool ascending) {
+    if (column != sortColumn_ || ascending != sortAscending_) {
+        sortColumn_ = column;
+        sortAscending_ = ascending;
+        emit sortChanged();
+    }
+}
+
+void AppModel::setExpanded(const std::string& groupID, bool expanded) {
+    if (expanded ? expanded_.insert(groupID).second : expanded_.erase(groupID) > 0) {
+        emit expandedChanged();
+    }
+}
+
+void AppModel::setSelection(std::optional<std::string> groupID) {
+    assignIfChanged(this, selection_, std::move(groupID), &AppModel::selectionChanged);
+}
+
 void AppModel::setDetailSelection(std::optional<std::int32_t> pid) {
     assignIfChanged(this, detailSelection_, pid, &AppModel::detailSelectionChanged);
 }

@@ -12,11 +12,13 @@
 #include "core/diagnosis/alert_engine.h"
 #include "core/diagnosis/diagnosis.h"
 #include "core/foundation/calendar.h"
+#include "core/grouping/process_column.h"
 #include "core/history/usage_history.h"
 #include "core/measurement/file_info.h"
 #include "core/model/app_settings.h"
 #include "core/model/graphs.h"
 #include "core/model/menu_bar_state.h"
+#include "core/model/window_state.h"
 #include "core/startup/startup_rows.h"
 
 #include <QObject>
@@ -137,7 +139,22 @@ public:
     // Absent for the processes the system tells nothing about.
     const std::map<std::int32_t, std::optional<FileInfo>>& fileInfo() const { return fileInfo_; }
 
-    // The process the Details tab has selected.
+    // What the views share about the window: the tab and sheet shown, the
+    // process filter, the sorting, the groups opened, the selected group,
+    // and the process the Details tab has selected.
+    Tab tab() const { return tab_; }
+    void setTab(Tab tab);
+    std::optional<Sheet> sheet() const { return sheet_; }
+    void setSheet(std::optional<Sheet> sheet);
+    const std::string& search() const { return search_; }
+    void setSearch(std::string search);
+    ProcessColumn sortColumn() const { return sortColumn_; }
+    bool sortAscending() const { return sortAscending_; }
+    void setSort(ProcessColumn column, bool ascending);
+    const std::set<std::string>& expanded() const { return expanded_; }
+    void setExpanded(const std::string& groupID, bool expanded);
+    const std::optional<std::string>& selection() const { return selection_; }
+    void setSelection(std::optional<std::string> groupID);
     std::optional<std::int32_t> detailSelection() const { return detailSelection_; }
     void setDetailSelection(std::optional<std::int32_t> pid);
 
@@ -166,6 +183,12 @@ signals:
     void startupItemsChanged();
     void codeInfoChanged();
     void fileInfoChanged();
+    void tabChanged();
+    void sheetChanged();
+    void searchChanged();
+    void sortChanged();
+    void expandedChanged();
+    void selectionChanged();
     void detailSelectionChanged();
     // After every tick, published or not.
     void ticked();
@@ -245,6 +268,13 @@ private:
     // Asked for and not answered yet, so that a view asking on every repaint reads once.
     std::set<std::string> codeInfoAsked_;
     std::set<std::int32_t> fileInfoAsked_;
+    Tab tab_ = Tab::processes;
+    std::optional<Sheet> sheet_;
+    std::string search_;
+    ProcessColumn sortColumn_ = ProcessColumn::cpu;
+    bool sortAscending_ = false;
+    std::set<std::string> expanded_;
+    std::optional<std::string> selection_;
     std::optional<std::int32_t> detailSelection_;
     QThreadPool background_; // last: waited for before the rest goes
 };

@@ -1,7 +1,7 @@
 #include "core/diagnosis/palette_commands.h"
 
 #include "core/control/process_policy.h"
-#include "core/model/tab.h"
+#include "core/model/window_state.h"
 #include "core/text/units_format.h"
 
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "app/model/app_model.h"
 #include "core/diagnosis/palette_commands.h"
-#include "core/model/tab.h"
+#include "core/model/window_state.h"
 #include "shell/desktop/process_actions.h"
 
 #include <QDialog>

@@ -38,7 +38,11 @@ int main(int argc, char** argv) {
     MainWindow window(model);
     MenuBarMeter meter(model);
     SettingsWindow settings(model);
-    const auto welcome = [&] { WelcomeDialog(model, &window).exec(); };
+    const auto welcome = [&] {
+        model.setSheet(Sheet::welcome);
+        WelcomeDialog(model, &window).exec();
+        model.setSheet(std::nullopt);
+    };
     QObject::connect(&window, &MainWindow::settingsRequested, &settings, [&] {
         settings.show();
         settings.raise();

@@ -51,6 +51,13 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
         processes_->showGroup(id);
     });
     connect(why_, &WhySheet::startupAppsRequested, this, [this] { showTab(Tab::startup); });
+    // The model keeps the tab and the sheet shown.
+    connect(tabs_, &QTabWidget::currentChanged, this,
+            [this](int index) { model_.setTab(allTabs[static_cast<std::size_t>(index)]); });
+    connect(&model_, &AppModel::tabChanged, this, [this] { showTab(model_.tab()); });
+    for (QDialog* sheet : std::initializer_list<QDialog*>{why_, palette_}) {
+        connect(sheet, &QDialog::finished, this, [this] { model_.setSheet(std::nullopt); });
+    }
     connect(processes_, &ProcessesTab::selectionChanged, this, &MainWindow::updateCommands);
     updateCommands();
 }
@@ -60,12 +67,14 @@ void MainWindow::showTab(Tab tab) {
 }
 
 void MainWindow::showWhySheet() {
+    model_.setSheet(Sheet::whySlow);
     why_->show();
     why_->raise();
     why_->activateWindow();
 }
 
 void MainWindow::showPalette() {
+    model_.setSheet(Sheet::palette);
     palette_->openAfresh();
 }
 

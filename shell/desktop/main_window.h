@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/model/app_model.h"
-#include "core/model/tab.h"
+#include "core/model/window_state.h"
 #include "shell/desktop/process_actions.h"
 
 #include <QMainWindow>

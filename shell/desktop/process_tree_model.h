@@ -35,6 +35,7 @@ public:
     const ProcessGroup* groupAt(const QModelIndex& index) const;
     QModelIndex indexOfKey(const std::string& key) const;
     ProcessColumn sortColumn() const { return column_; }
+    bool sortAscending() const { return ascending_; }
     bool isLimited(const std::string& groupID) const { return limits_.contains(groupID); }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;

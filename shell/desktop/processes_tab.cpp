@@ -42,11 +42,31 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
     layout->addWidget(search_);
     layout->addWidget(view_);
 
-    connect(search_, &QLineEdit::textChanged, &table_, &ProcessTreeModel::setSearch);
+    // The model keeps what the views share: the filter, the sorting, the
+    // groups opened and the selected group.
+    connect(search_, &QLineEdit::textChanged, this, [this](const QString& search) {
+        table_.setSearch(search);
+        model_.setSearch(search.toStdString());
+    });
+    connect(header, &QHeaderView::sortIndicatorChanged, this,
+            [this] { model_.setSort(table_.sortColumn(), table_.sortAscending()); });
+    connect(view_, &QTreeView::expanded, this, [this](const QModelIndex& row) {
+        if (const ProcessGroup* group = table_.groupAt(row)) {
+            model_.setExpanded(group->id, true);
+        }
+    });
+    connect(view_, &QTreeView::collapsed, this, [this](const QModelIndex& row) {
+        if (const ProcessGroup* group = table_.groupAt(row)) {
+            model_.setExpanded(group->id, false);
+        }
+    });
     connect(&model_, &AppModel::groupsChanged, this, &ProcessesTab::refresh);
     connect(view_, &QTreeView::customContextMenuRequested, this, &ProcessesTab::showMenu);
-    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            &ProcessesTab::selectionChanged);
+    connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] {
+        const ProcessGroup* group = selectedGroup();
+        model_.setSelection(group ? std::optional(group->id) : std::nullopt);
+        emit selectionChanged();
+    });
     // Sections open; a new section opens as it appears.
     connect(&table_, &QAbstractItemModel::rowsInserted, this,
             [this](const QModelIndex& under, int first, int last) {

@@ -28,6 +28,7 @@ TEST_F(MainWindowTest, ActsOnAProcessFromItsMenuAndConfirmsAForceQuit) {
     view.setCurrentIndex(spinnerRow());
     support::saveScreenshot(*window, "window-processes");
     const ProcessGroup group = *table().groupAt(spinnerRow());
+    EXPECT_EQ(model->selection(), group.id);
 
     QMenu menu;
     window->actions().fill(menu, group);
@@ -76,6 +77,7 @@ TEST_F(MainWindowTest, ShortcutsReachTheSearchAndTheTabs) {
     ASSERT_NE(search, nullptr);
     EXPECT_TRUE(search->hasFocus());
     QTest::keyClicks(search, "loadwarden");
+    EXPECT_EQ(model->search(), "loadwarden");
     support::saveScreenshot(*window, "window-search");
     QTest::keyClick(window.get(), Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(window->tabs().currentIndex(), 0);

@@ -156,6 +156,7 @@ TEST_F(TabsTest, ThePaletteFindsAnAppByAFragmentAndPausesIt) {
     ASSERT_TRUE(spinnerRow().isValid());
     window->showPalette();
     CommandPalette& palette = window->palette();
+    EXPECT_EQ(model->sheet(), Sheet::palette);
     // The spinner bears this program's name; only it may be paused.
     QTest::keyClicks(&palette.field(), "pause desk");
     support::saveScreenshot(palette, "palette-pause");
@@ -183,6 +184,7 @@ TEST_F(TabsTest, ThePaletteFindsAnAppByAFragmentAndPausesIt) {
     support::saveScreenshot(palette, "palette-self");
     QTest::keyClick(&palette.field(), Qt::Key_Escape);
     EXPECT_FALSE(palette.isVisible());
+    EXPECT_EQ(model->sheet(), std::nullopt);
 }
 
 TEST_F(TabsTest, ShortcutsReachEveryTab) {
@@ -194,6 +196,7 @@ TEST_F(TabsTest, ShortcutsReachEveryTab) {
         QTest::keyClick(window.get(), static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(tab)),
                         Qt::ControlModifier);
         EXPECT_EQ(window->tabs().currentIndex(), static_cast<int>(tab));
+        EXPECT_EQ(model->tab(), tab);
         QTest::qWait(100); // a tab catches up on what it missed while hidden
         support::saveScreenshot(*window, "tab-" + std::string(rawValue(tab)));
     }

@@ -40,4 +40,7 @@ constexpr std::string_view title(Tab tab) {
     return {};
 }
 
+// What shows over the window, one at a time.
+enum class Sheet { welcome, whySlow, palette };
+
 } // namespace loadwarden

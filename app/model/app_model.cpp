@@ -412,6 +412,11 @@ void AppModel::setSheet(std::optional<Sheet> sheet) {
     assignIfChanged(this, sheet_, sheet, &AppModel::sheetChanged);
 }
 
+void AppModel::setPendingForceQuit(std::optional<PendingForceQuit> pending) {
+    assignIfChanged(this, pendingForceQuit_, std::move(pending),
+                    &AppModel::pendingForceQuitChanged);
+}
+
 void AppModel::setSearch(std::string search) {
     assignIfChanged(this, search_, std::move(search), &AppModel::searchChanged);
 }

@@ -146,6 +146,8 @@ public:
     void setTab(Tab tab);
     std::optional<Sheet> sheet() const { return sheet_; }
     void setSheet(std::optional<Sheet> sheet);
+    const std::optional<PendingForceQuit>& pendingForceQuit() const { return pendingForceQuit_; }
+    void setPendingForceQuit(std::optional<PendingForceQuit> pending);
     const std::string& search() const { return search_; }
     void setSearch(std::string search);
     ProcessColumn sortColumn() const { return sortColumn_; }
@@ -185,6 +187,7 @@ signals:
     void fileInfoChanged();
     void tabChanged();
     void sheetChanged();
+    void pendingForceQuitChanged();
     void searchChanged();
     void sortChanged();
     void expandedChanged();
@@ -270,6 +273,7 @@ private:
     std::set<std::int32_t> fileInfoAsked_;
     Tab tab_ = Tab::processes;
     std::optional<Sheet> sheet_;
+    std::optional<PendingForceQuit> pendingForceQuit_;
     std::string search_;
     ProcessColumn sortColumn_ = ProcessColumn::cpu;
     bool sortAscending_ = false;

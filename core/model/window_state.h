@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/foundation/raw_value.h"
+#include "core/grouping/process_group.h"
 
 #include <array>
 #include <string_view>
@@ -42,5 +43,14 @@ constexpr std::string_view title(Tab tab) {
 
 // What shows over the window, one at a time.
 enum class Sheet { welcome, whySlow, palette };
+
+// A quit or force quit waiting for the user to confirm it.
+struct PendingForceQuit {
+    enum class Kind { quit, forceQuit };
+    ProcessGroup group;
+    Kind kind = Kind::forceQuit;
+
+    bool operator==(const PendingForceQuit&) const = default;
+};
 
 } // namespace loadwarden

@@ -74,7 +74,9 @@ bool ProcessActions::forceQuit(const ProcessGroup& group) {
     QPushButton* force =
         confirm.addButton(QStringLiteral("Force Quit"), QMessageBox::DestructiveRole);
     confirm.setDefaultButton(QMessageBox::Cancel);
+    model_.setPendingForceQuit(PendingForceQuit{group, PendingForceQuit::Kind::forceQuit});
     confirm.exec();
+    model_.setPendingForceQuit(std::nullopt);
     if (confirm.clickedButton() != force) {
         return false;
     }

@@ -42,8 +42,14 @@ TEST_F(MainWindowTest, ActsOnAProcessFromItsMenuAndConfirmsAForceQuit) {
     window->actions().pauseOrResume(*table().groupAt(spinnerRow()));
     EXPECT_EQ(support::settlesAt(spinner, 'R'), 'R');
 
+    // While the user decides, the model holds what waits for the answer.
+    QTimer::singleShot(0, [&] {
+        ASSERT_TRUE(model->pendingForceQuit());
+        EXPECT_EQ(model->pendingForceQuit()->group.id, group.id);
+    });
     support::answerNextMessageBox("Cancel", "force-quit-confirmation");
     EXPECT_FALSE(window->actions().forceQuit(group));
+    EXPECT_EQ(model->pendingForceQuit(), std::nullopt);
     EXPECT_NE(support::stateOf(spinner), '?');
     support::answerNextMessageBox("Force Quit", "force-quit-confirmation");
     EXPECT_TRUE(window->actions().forceQuit(group));

@@ -14,19 +14,6 @@ namespace {
 constexpr int pidColumn = 0;
 constexpr int pathRole = Qt::UserRole;
 
-bool alignedRight(ProcessFact fact) {
-    switch (fact) {
-    case ProcessFact::pid:
-    case ProcessFact::cpu:
-    case ProcessFact::memory:
-    case ProcessFact::threads:
-    case ProcessFact::openFiles:
-        return true;
-    default:
-        return false;
-    }
-}
-
 } // namespace
 
 DetailsTab::DetailsTab(AppModel& model, QWidget* parent)
@@ -71,13 +58,12 @@ void DetailsTab::refresh() {
         for (const ProcessFact fact : allProcessFacts) {
             const int column = static_cast<int>(fact);
             const QString words = QString::fromStdString(factText(fact, process, extras));
+            // Numbers line up on the right and sort by their value.
             if (const auto amount = factAmount(fact, process, extras)) {
                 setCell(row, column, words, *amount);
+                row.setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
             } else {
                 setCell(row, column, words);
-            }
-            if (alignedRight(fact)) {
-                row.setTextAlignment(column, Qt::AlignRight | Qt::AlignVCenter);
             }
         }
     }

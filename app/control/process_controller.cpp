@@ -139,6 +139,14 @@ std::optional<double> ProcessController::limitOf(const std::string& groupID) con
     return found->second->limit();
 }
 
+std::map<std::string, double> ProcessController::limits() const {
+    std::map<std::string, double> limits;
+    for (const auto& [groupID, limiter] : limiters_) {
+        limits.emplace(groupID, limiter->limit());
+    }
+    return limits;
+}
+
 std::vector<std::int32_t> ProcessController::continueOrphans() {
     return ledger_.releaseOrphans();
 }

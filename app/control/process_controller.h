@@ -43,6 +43,8 @@ public:
     // a group that is gone has its limit removed.
     void updateLimits(const std::vector<ProcessGroup>& groups);
     std::optional<double> limitOf(const std::string& groupID) const;
+    // Every limit, by group id.
+    std::map<std::string, double> limits() const;
 
     // What copies of the program that ended left stopped, continued; at launch.
     std::vector<std::int32_t> continueOrphans();

@@ -281,11 +281,9 @@ std::vector<AppAlert> AppModel::banners() const {
 }
 
 void AppModel::setWindowVisible(bool visible) {
-    if (windowVisible_ == visible) {
+    if (!assignIfChanged(this, windowVisible_, visible, &AppModel::windowVisibleChanged)) {
         return;
     }
-    windowVisible_ = visible;
-    emit windowVisibleChanged();
     if (visible) {
         if (unpublished_) {
             publish(std::move(*unpublished_));
@@ -317,10 +315,7 @@ void AppModel::setSettings(const AppSettings& settings) {
 }
 
 void AppModel::setProblem(const QString& problem) {
-    if (problem_ != problem) {
-        problem_ = problem;
-        emit problemChanged();
-    }
+    assignIfChanged(this, problem_, problem, &AppModel::problemChanged);
 }
 
 void AppModel::clearProblem() {

@@ -54,19 +54,13 @@ CommandPalette::CommandPalette(AppModel& model, ProcessActions& actions,
 }
 
 void CommandPalette::openAfresh() {
-    std::map<std::string, double> limits;
-    for (const ProcessGroup& group : model_.groups()) {
-        if (const auto limit = model_.controller().limitOf(group.id)) {
-            limits.emplace(group.id, *limit);
-        }
-    }
     std::vector<std::string> commands;
     for (const QAction* command : menuCommands_) {
         if (command->isEnabled()) {
             commands.push_back(commandTitle(*command));
         }
     }
-    entries_ = PaletteCommands::entries(model_.groups(), limits, commands);
+    entries_ = PaletteCommands::entries(model_.groups(), model_.controller().limits(), commands);
     field_->clear();
     rank();
     show();

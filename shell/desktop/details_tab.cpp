@@ -14,21 +14,20 @@ namespace {
 constexpr int pidColumn = 0;
 constexpr int pathRole = Qt::UserRole;
 
-} // namespace
-
-DetailsTab::DetailsTab(AppModel& model, QWidget* parent)
-    : TabPage(parent), model_(model), table_(new QTreeWidget(this)), rows_(*table_) {
+QStringList columnTitles() {
     QStringList titles;
     for (const ProcessFact fact : allProcessFacts) {
         titles << qtText(title(fact));
     }
-    table_->setHeaderLabels(titles);
-    table_->setRootIsDecorated(false);
-    table_->setUniformRowHeights(true);
-    table_->setAlternatingRowColors(true);
-    table_->setSortingEnabled(true);
-    table_->sortByColumn(static_cast<int>(ProcessFact::cpu), Qt::DescendingOrder);
-    table_->setAccessibleName(QStringLiteral("Details"));
+    return titles;
+}
+
+} // namespace
+
+DetailsTab::DetailsTab(AppModel& model, QWidget* parent)
+    : TabPage(parent), model_(model), table_(new QTreeWidget(this)),
+      rows_(*table_, columnTitles(), QStringLiteral("Details"),
+            static_cast<int>(ProcessFact::cpu)) {
     table_->header()->setSectionResizeMode(QHeaderView::Interactive);
     table_->header()->resizeSection(static_cast<int>(ProcessFact::name), 200);
 

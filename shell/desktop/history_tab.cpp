@@ -19,11 +19,20 @@ namespace {
 
 constexpr std::array ranges{HistoryRange::today, HistoryRange::week, HistoryRange::month};
 
+QStringList columnTitles() {
+    QStringList titles{QStringLiteral("Name")};
+    for (const std::string_view title : usageColumnTitles) {
+        titles << qtText(title);
+    }
+    return titles;
+}
+
 } // namespace
 
 HistoryTab::HistoryTab(AppModel& model, QWidget* parent)
     : TabPage(parent), model_(model), range_(new QComboBox(this)), pages_(new QStackedWidget(this)),
-      table_(new QTreeWidget(this)), rows_(*table_) {
+      table_(new QTreeWidget(this)),
+      rows_(*table_, columnTitles(), QStringLiteral("App history"), 1) {
     for (const HistoryRange range : ranges) {
         range_->addItem(qtText(title(range)), dayCount(range));
     }
@@ -33,17 +42,6 @@ HistoryTab::HistoryTab(AppModel& model, QWidget* parent)
     range_->setAccessibleName(QStringLiteral("Show"));
     auto* remove = new QPushButton(QStringLiteral("Delete Usage History…"), this);
 
-    QStringList titles{QStringLiteral("Name")};
-    for (const std::string_view title : usageColumnTitles) {
-        titles << qtText(title);
-    }
-    table_->setHeaderLabels(titles);
-    table_->setRootIsDecorated(false);
-    table_->setUniformRowHeights(true);
-    table_->setAlternatingRowColors(true);
-    table_->setSortingEnabled(true);
-    table_->sortByColumn(1, Qt::DescendingOrder);
-    table_->setAccessibleName(QStringLiteral("App history"));
     table_->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     table_->header()->setStretchLastSection(false);
 

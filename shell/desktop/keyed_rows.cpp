@@ -12,6 +12,18 @@ bool SortableRow::operator<(const QTreeWidgetItem& other) const {
     return text(column).localeAwareCompare(other.text(column)) < 0;
 }
 
+KeyedRows::KeyedRows(QTreeWidget& table, const QStringList& titles, const QString& name,
+                     int sortColumn)
+    : table_(table) {
+    table_.setHeaderLabels(titles);
+    table_.setRootIsDecorated(false);
+    table_.setUniformRowHeights(true);
+    table_.setAlternatingRowColors(true);
+    table_.setSortingEnabled(true);
+    table_.sortByColumn(sortColumn, Qt::DescendingOrder);
+    table_.setAccessibleName(name);
+}
+
 void KeyedRows::beginRefresh() {
     untouched_ = rows_;
 }

@@ -22,7 +22,9 @@ public:
 // still has, new ones are added, and the ones it did not touch go.
 class KeyedRows {
 public:
-    explicit KeyedRows(QTreeWidget& table) : table_(table) {}
+    // Sets the table up with these columns, named for screen readers, and
+    // sorted by `sortColumn`, largest first.
+    KeyedRows(QTreeWidget& table, const QStringList& titles, const QString& name, int sortColumn);
 
     void beginRefresh();
     // The row of `key`, made at the end of the table when it is new.

@@ -1,6 +1,5 @@
 #include "shell/desktop/main_window.h"
 
-#include "core/diagnosis/cause_text.h"
 #include "core/text/platform_wording.h"
 #include "shell/desktop/command_palette.h"
 #include "shell/desktop/delete_history.h"

@@ -80,13 +80,7 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
 }
 
 void ProcessesTab::refresh() {
-    std::map<std::string, double> limits;
-    for (const ProcessGroup& group : model_.groups()) {
-        if (const auto limit = model_.controller().limitOf(group.id)) {
-            limits.emplace(group.id, *limit);
-        }
-    }
-    table_.update(model_.groups(), std::move(limits));
+    table_.update(model_.groups(), model_.controller().limits());
     emit selectionChanged(); // the selected group's figures and state may have changed
 }
 

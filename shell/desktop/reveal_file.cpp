@@ -1,5 +1,8 @@
 #include "shell/desktop/reveal_file.h"
 
+#include <QDesktopServices>
+#include <QUrl>
+
 #ifdef __APPLE__
 #include <QProcess>
 #else
@@ -7,12 +10,15 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDesktopServices>
 #include <QFileInfo>
-#include <QUrl>
 #endif
 
 namespace loadwarden {
+
+// Only macOS offers the pages, so only there is this reached.
+void openSystemSettings(const char* page) {
+    QDesktopServices::openUrl(QUrl(QStringLiteral("x-apple.systempreferences:") + page));
+}
 
 #ifdef __APPLE__
 

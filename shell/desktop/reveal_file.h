@@ -11,4 +11,7 @@ void revealFile(const QString& path);
 // What the button that does it says here.
 QString revealFileTitle();
 
+// Opens a page of macOS System Settings, such as "com.apple.settings.Storage".
+void openSystemSettings(const char* page);
+
 } // namespace loadwarden

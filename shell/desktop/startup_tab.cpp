@@ -5,12 +5,10 @@
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/reveal_file.h"
 
-#include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace loadwarden {
@@ -28,15 +26,11 @@ std::string keyOf(const StartupItem& item) {
 StartupTab::StartupTab(AppModel& model, QWidget* parent)
     : TabPage(parent), model_(model), table_(new QTreeWidget(this)),
       switch_(new QPushButton(QStringLiteral("Turn Off"), this)),
-      reveal_(new QPushButton(revealFileTitle(), this)), note_(new QLabel(this)), rows_(*table_) {
-    table_->setHeaderLabels({QStringLiteral("Name"), QStringLiteral("Kind"), QStringLiteral("Runs"),
-                             QStringLiteral("Status"), QStringLiteral("Impact")});
-    table_->setRootIsDecorated(false);
-    table_->setUniformRowHeights(true);
-    table_->setAlternatingRowColors(true);
-    table_->setSortingEnabled(true);
-    table_->sortByColumn(impact, Qt::DescendingOrder);
-    table_->setAccessibleName(QStringLiteral("Startup apps"));
+      reveal_(new QPushButton(revealFileTitle(), this)), note_(new QLabel(this)),
+      rows_(*table_,
+            {QStringLiteral("Name"), QStringLiteral("Kind"), QStringLiteral("Runs"),
+             QStringLiteral("Status"), QStringLiteral("Impact")},
+            QStringLiteral("Startup apps"), impact) {
     table_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     table_->header()->setSectionResizeMode(name, QHeaderView::Stretch);
     table_->header()->setStretchLastSection(false);
@@ -52,10 +46,8 @@ StartupTab::StartupTab(AppModel& model, QWidget* parent)
     bar->addWidget(reveal_);
     if constexpr (hasSystemSettings) {
         auto* loginItems = new QPushButton(QStringLiteral("Open Login Items Settings"), this);
-        connect(loginItems, &QPushButton::clicked, this, [] {
-            QDesktopServices::openUrl(QUrl(QStringLiteral(
-                "x-apple.systempreferences:com.apple.LoginItems-Settings.extension")));
-        });
+        connect(loginItems, &QPushButton::clicked, this,
+                [] { openSystemSettings("com.apple.LoginItems-Settings.extension"); });
         bar->addWidget(loginItems);
     }
     bar->addWidget(reload);

@@ -3,8 +3,8 @@
 #include "core/diagnosis/cause_text.h"
 #include "core/text/units_format.h"
 #include "shell/desktop/qt_text.h"
+#include "shell/desktop/reveal_file.h"
 
-#include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -12,7 +12,6 @@
 #include <QScrollArea>
 #include <QStyle>
 #include <QTreeWidget>
-#include <QUrl>
 #include <QVBoxLayout>
 
 namespace loadwarden {
@@ -41,10 +40,6 @@ QLabel* wrappedLabel(const QString& words, QWidget* parent) {
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
-}
-
-void openSystemSettings(const char* page) {
-    QDesktopServices::openUrl(QUrl(QStringLiteral("x-apple.systempreferences:") + page));
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "shell/desktop/process_actions.h"
 
 #include <QDialog>
-#include <utility>
 
 class QLabel;
 class QTreeWidget;

@@ -69,6 +69,9 @@ std::optional<std::string> ActionText::menuRefusal(const ProcessGroup& group) {
     if (const auto reason = ProcessPolicy::reason(group)) {
         return std::string(*reason);
     }
+    if (ProcessPolicy::hasEnded(group)) {
+        return "Ended: waiting for the process that started it";
+    }
     return std::nullopt;
 }
 

@@ -13,23 +13,21 @@ constexpr std::string_view protectedPart =
     onThisPlatform("Protected: part of macOS", "Protected: part of the system");
 constexpr std::string_view systemReadOnly = onThisPlatform("macOS, read-only", "System, read-only");
 
-// A group of zombies has ended already: no signal reaches it, and only its
-// parent can make it go.
-bool hasEnded(const ProcessGroup& group) {
-    return std::ranges::all_of(group.members, [](const LiveProcess& member) {
-        return member.record.state == RunState::zombie;
-    });
-}
-
 // Pids below 2 are the kernel's and the first process's; signalling them
 // would reach far more than one group.
 bool isOutOfBounds(const ProcessGroup& group) {
     const ProcessRecord& leader = group.leader.record;
     return !leader.isOwn || leader.pid < 2 || group.kind == GroupKind::system ||
-           group.isProtected || group.isSelf || hasEnded(group);
+           group.isProtected || group.isSelf || ProcessPolicy::hasEnded(group);
 }
 
 } // namespace
+
+bool ProcessPolicy::hasEnded(const ProcessGroup& group) {
+    return std::ranges::all_of(group.members, [](const LiveProcess& member) {
+        return member.record.state == RunState::zombie;
+    });
+}
 
 bool ProcessPolicy::allows(ProcessAction action, const ProcessGroup& group) {
     if (isOutOfBounds(group)) {

@@ -14,6 +14,10 @@ namespace loadwarden {
 // program, to the operating system or to another user's processes.
 namespace ProcessPolicy {
 
+// Every member is a zombie: no signal reaches it, and only its parent can
+// make it go.
+bool hasEnded(const ProcessGroup& group);
+
 // May the action be carried out on the group now.
 bool allows(ProcessAction action, const ProcessGroup& group);
 

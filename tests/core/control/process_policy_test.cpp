@@ -1,5 +1,6 @@
 // Who may act on what: the protected list, the paused test, the decision
 // table, signal targets and the reasons shown when nothing may be done.
+#include "core/control/action_text.h"
 #include "core/control/process_policy.h"
 #include "core/control/protected_list.h"
 #include "core/text/platform_wording.h"
@@ -105,6 +106,7 @@ TEST(ProcessPolicy, DecisionTable) {
     for (const auto* group : {&otherUsers, &ownSystem, &protectedOne, &self, &ended}) {
         EXPECT_THAT(actions(*group), IsEmpty()) << group->name;
         EXPECT_THAT(actions(*group, /*isLimited=*/true), IsEmpty()) << group->name;
+        EXPECT_TRUE(ActionText::menuRefusal(*group)) << group->name; // and says why
     }
     // Nothing of another user's is ever paused, so nothing can be resumed.
     EXPECT_FALSE(ProcessPolicy::allows(resume, groupOf({stopped(rootProcess(14, "x"))})));

@@ -28,19 +28,19 @@ void ModelTick(benchmark::State& state) {
     QTemporaryDir folder;
     Date now = 1'800'000'000.0;
     const DefaultsStore defaults(folder.filePath("defaults.conf").toStdString());
-    AppModel model(AppModel::Parts{
-        .sampler = std::make_unique<IdleSampler>(),
-        .controller = std::make_unique<ProcessController>(SharedLedger(defaults),
-                                                          systemApplications(), getpid()),
-        .notifier = std::make_unique<SilentNotifier>(),
-        .startup = makeStartupCatalog(),
-        .settings = SettingsStore(defaults),
-        .historyFile = HistoryFile(folder.filePath("history.json").toStdString()),
-        .clock = [&now] { return now; },
-        .calendar = Calendar::fixedOffset(0),
-        .myPID = bench::selfPID,
-        .scheduler = [](Seconds, std::function<void()>) {},
-        .interval = std::nullopt});
+    AppModel model(
+        AppModel::Parts{.sampler = std::make_unique<IdleSampler>(),
+                        .controller = std::make_unique<ProcessController>(
+                            SharedLedger(defaults), systemApplications(), getpid()),
+                        .notifier = std::make_unique<SilentNotifier>(),
+                        .startup = makeStartupCatalog(),
+                        .settings = SettingsStore(defaults),
+                        .historyFile = HistoryFile(folder.filePath("history.json").toStdString()),
+                        .clock = [&now] { return now; },
+                        .calendar = Calendar::fixedOffset(0),
+                        .myPID = bench::selfPID,
+                        .scheduler = [](Seconds, std::function<void()>) {},
+                        .interval = std::nullopt});
     model.setWindowVisible(true);
     Snapshot snapshot{.date = now,
                       .interval = 2.0,

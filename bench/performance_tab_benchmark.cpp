@@ -1,24 +1,15 @@
 // The Performance tab offscreen with every graph a minute full: one repaint
 // of the whole tab, and one tick (new figures, then the repaint).
 #include "shell/desktop/performance_tab.h"
+#include "tests/support/widgets.h"
 
 #include <QApplication>
 #include <QImage>
-#include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <cmath>
 
 namespace loadwarden {
 namespace {
-
-QApplication& application() {
-    static int argc = 1;
-    static char name[] = "performance_tab_benchmark";
-    static char* argv[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication instance(argc, argv);
-    return instance;
-}
 
 // Half the cores fast, half frugal, every figure moving.
 SystemSample sampleAt(int tick, int cores) {
@@ -40,13 +31,6 @@ SystemSample sampleAt(int tick, int cores) {
     return sample;
 }
 
-// The model keeps its settings and data here rather than in the user's folders.
-AppModel::Parts partsIn(const QTemporaryDir& home) {
-    qputenv("XDG_CONFIG_HOME", home.filePath("config").toUtf8());
-    qputenv("XDG_DATA_HOME", home.filePath("data").toUtf8());
-    return AppModel::machineParts();
-}
-
 // The tab on a model of its own that never ticks.
 struct Bench {
     explicit Bench(int cores) {
@@ -62,8 +46,8 @@ struct Bench {
         QApplication::processEvents();
     }
 
-    QTemporaryDir home;
-    AppModel model{partsIn(home)};
+    support::PrivateHome home;
+    AppModel model{AppModel::machineParts()};
     PerformanceTab tab{model};
     Graphs graphs;
     SystemSample sample;
@@ -71,7 +55,7 @@ struct Bench {
 };
 
 void PerformanceTabRepaint(benchmark::State& state) {
-    application();
+    support::ensureWidgetApplication();
     Bench bench(static_cast<int>(state.range(0)));
     for (auto _ : state) {
         bench.tab.render(&bench.canvas);
@@ -80,7 +64,7 @@ void PerformanceTabRepaint(benchmark::State& state) {
 BENCHMARK(PerformanceTabRepaint)->Arg(8)->Arg(16)->Unit(benchmark::kMillisecond);
 
 void PerformanceTabTick(benchmark::State& state) {
-    application();
+    support::ensureWidgetApplication();
     const int cores = static_cast<int>(state.range(0));
     Bench bench(cores);
     int tick = static_cast<int>(Series::graphCapacity);

@@ -2,6 +2,7 @@
 // row-by-row update and the view's layout of what changed.
 #include "bench/busy_desktop.h"
 #include "shell/desktop/process_tree_model.h"
+#include "tests/support/widgets.h"
 
 #include <QApplication>
 #include <QTreeView>
@@ -9,17 +10,8 @@
 namespace loadwarden {
 namespace {
 
-QApplication& application() {
-    static int argc = 1;
-    static char name[] = "processes_tab_benchmark";
-    static char* argv[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication instance(argc, argv);
-    return instance;
-}
-
 void ProcessesTabTick(benchmark::State& state) {
-    application();
+    support::ensureWidgetApplication();
     const int count = static_cast<int>(state.range(0));
     const auto machine = bench::machine(count);
     // Two refreshes that differ in every figure, taken in turn.

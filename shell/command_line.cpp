@@ -28,14 +28,15 @@ OptionParser& OptionParser::flag(std::string name, bool& target) {
     return *this;
 }
 
-OptionParser& OptionParser::seconds(std::string name, Seconds& target, Seconds longest) {
+OptionParser& OptionParser::secondsInto(std::string name, std::function<void(Seconds)> store,
+                                        Seconds longest) {
     return valued(std::move(name), "a number of seconds",
-                  [&target, longest](const std::string& value) -> std::optional<std::string> {
+                  [store, longest](const std::string& value) -> std::optional<std::string> {
                       const auto seconds = parseDecimal(value);
                       if (!seconds || !(*seconds > 0.0) || *seconds > longest) {
                           return "takes seconds above 0 and up to " + wholeNumber(longest);
                       }
-                      target = *seconds;
+                      store(*seconds);
                       return std::nullopt;
                   });
 }

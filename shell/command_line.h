@@ -28,7 +28,11 @@ public:
     OptionParser& help(bool& target);
     OptionParser& flag(std::string name, bool& target);
     // Seconds above 0 and up to `longest`, such as "2" or "0.5".
-    OptionParser& seconds(std::string name, Seconds& target, Seconds longest);
+    template <typename Target> // Seconds, or an optional of them
+    OptionParser& seconds(std::string name, Target& target, Seconds longest) {
+        return secondsInto(
+            std::move(name), [&target](Seconds seconds) { target = seconds; }, longest);
+    }
     // A span such as "90", "90s", "5m" or "1.5h", above 0.
     OptionParser& duration(std::string name, std::optional<Seconds>& target);
     // A whole number of at least 1.
@@ -84,6 +88,8 @@ private:
     };
 
     OptionParser& valued(std::string name, std::string missingValue, Apply apply);
+    OptionParser& secondsInto(std::string name, std::function<void(Seconds)> store,
+                              Seconds longest);
 
     struct Positional {
         std::string* target;

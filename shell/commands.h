@@ -31,8 +31,7 @@ int runAppsCommand(const std::vector<std::string>& arguments, std::ostream& out,
 int runHistoryCommand(const std::vector<std::string>& arguments, std::ostream& out,
                       std::ostream& err);
 
-int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out,
-                   std::ostream& err);
+int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
 int runStartupCommand(const std::vector<std::string>& arguments, std::ostream& out,
                       std::ostream& err);

@@ -13,31 +13,28 @@ namespace loadwarden {
 
 int runInfoCommand(const std::vector<std::string>& arguments, std::ostream& out,
                    std::ostream& err) {
-    return runCommand("info", infoUsage, parseInfoOptions(arguments), out, err,
-                      [&](const InfoOptions& options) {
-                          const auto processes = takeReadings(2, 1.0, false).last.processes;
-                          const auto found = std::ranges::find_if(
-                              processes, [&options](const LiveProcess& process) {
-                                  return process.record.pid == options.pid;
-                              });
-                          if (found == processes.end()) {
-                              err << "loadwarden info: no process has pid " << options.pid
-                                  << '\n';
-                              return exitFailure;
-                          }
-                          const InfoReport report{
-                              .process = *found,
-                              .code = found->record.path.empty()
-                                          ? CodeInfo{}
-                                          : readCodeInfo(found->record.path),
-                              .files = openFiles(options.pid)};
-                          if (options.json) {
-                              printInfoJSON(report, out);
-                          } else {
-                              printInfoReport(report, out);
-                          }
-                          return out ? exitSuccess : exitFailure;
-                      });
+    return runCommand(
+        "info", infoUsage, parseInfoOptions(arguments), out, err, [&](const InfoOptions& options) {
+            const auto processes = takeReadings(2, 1.0, false).last.processes;
+            const auto found =
+                std::ranges::find_if(processes, [&options](const LiveProcess& process) {
+                    return process.record.pid == options.pid;
+                });
+            if (found == processes.end()) {
+                err << "loadwarden info: no process has pid " << options.pid << '\n';
+                return exitFailure;
+            }
+            const InfoReport report{
+                .process = *found,
+                .code = found->record.path.empty() ? CodeInfo{} : readCodeInfo(found->record.path),
+                .files = openFiles(options.pid)};
+            if (options.json) {
+                printInfoJSON(report, out);
+            } else {
+                printInfoReport(report, out);
+            }
+            return out ? exitSuccess : exitFailure;
+        });
 }
 
 } // namespace loadwarden

@@ -1,7 +1,7 @@
 #include "shell/info_report.h"
 
 #include "core/details/process_details.h"
-#include "core/grouping/process_group.h"
+#include "core/grouping/row_figures.h"
 #include "core/measurement/measurement_json.h"
 #include "core/text/units_format.h"
 #include "shell/terminal_text.h"
@@ -14,16 +14,11 @@ namespace {
 
 constexpr std::size_t labelWidth = 14;
 
-template <typename Value, typename Format>
-std::string orDash(const std::optional<Value>& value, Format format) {
-    return value ? format(*value) : std::string(noFigure);
-}
-
 } // namespace
 
 void printInfoReport(const InfoReport& report, std::ostream& out) {
     const ProcessRecord& record = report.process.record;
-    const ProcessRates& rates = report.process.rates;
+    const RowFigures figures = memberFigures(report.process);
     const auto line = [&out](std::string_view label, const std::string& value) {
         out << TerminalText::padded(label, labelWidth, false) << value << '\n';
     };
@@ -38,9 +33,9 @@ void printInfoReport(const InfoReport& report, std::ostream& out) {
           ProcessFact::cpu, ProcessFact::memory}) {
         factLine(shared);
     }
-    line("Energy", orDash(rates.energyWatts, formatWatts));
-    line("Disk", orDash(rates.diskBytesPerSecond, formatBytesPerSecond));
-    line("Network", orDash(networkTotal(rates), formatBytesPerSecond));
+    line("Energy", figureOf(figures, ProcessColumn::energy).text);
+    line("Disk", figureOf(figures, ProcessColumn::disk).text);
+    line("Network", figureOf(figures, ProcessColumn::network).text);
     for (const ProcessFact shared : {ProcessFact::madeBy, ProcessFact::sandboxed,
                                      ProcessFact::openFiles, ProcessFact::ports}) {
         factLine(shared);

@@ -1,5 +1,7 @@
 #include "shell/snapshot_report.h"
 
+#include "core/details/process_details.h"
+#include "core/grouping/row_figures.h"
 #include "core/text/duration_format.h"
 #include "core/text/units_format.h"
 
@@ -12,7 +14,6 @@
 namespace loadwarden {
 
 namespace {
-
 
 struct Column {
     std::string_view title;
@@ -55,18 +56,6 @@ void printRow(const std::array<std::string, columns.size()>& cells, std::ostream
     out << line << '\n';
 }
 
-std::string optionalRate(const std::optional<double>& bytesPerSecond) {
-    return bytesPerSecond ? formatBytesPerSecond(*bytesPerSecond) : std::string(noFigure);
-}
-
-std::string networkCell(const ProcessRates& rates) {
-    if (!rates.networkInPerSecond && !rates.networkOutPerSecond) {
-        return std::string(noFigure);
-    }
-    return formatBytesPerSecond(rates.networkInPerSecond.value_or(0.0) +
-                                rates.networkOutPerSecond.value_or(0.0));
-}
-
 void printProcessTable(const Snapshot& snapshot, std::ostream& out) {
     std::vector<const LiveProcess*> rows;
     for (const auto& process : snapshot.processes) {
@@ -87,14 +76,15 @@ void printProcessTable(const Snapshot& snapshot, std::ostream& out) {
     }
     printRow(titles, out);
     for (const LiveProcess* process : rows) {
-        const ProcessRecord& record = process->record;
-        printRow({std::to_string(record.pid), record.name, record.user,
-                  formatPercent(process->rates.cpuPercent), formatBytes(record.memoryBytes),
-                  optionalRate(process->rates.diskBytesPerSecond), networkCell(process->rates),
-                  process->rates.gpuPercent ? formatPercent(*process->rates.gpuPercent)
-                                            : std::string(noFigure),
-                  record.threads ? std::to_string(*record.threads) : std::string(noFigure),
-                  std::string(rawValue(record.state))},
+        const auto fact = [process](ProcessFact which) { return factText(which, *process, {}); };
+        const RowFigures figures = memberFigures(*process);
+        const auto figure = [&figures](ProcessColumn column) {
+            return figureOf(figures, column).text;
+        };
+        printRow({fact(ProcessFact::pid), fact(ProcessFact::name), fact(ProcessFact::user),
+                  figure(ProcessColumn::cpu), figure(ProcessColumn::memory),
+                  figure(ProcessColumn::disk), figure(ProcessColumn::network),
+                  figure(ProcessColumn::gpu), fact(ProcessFact::threads), fact(ProcessFact::state)},
                  out);
     }
 }

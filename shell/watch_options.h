@@ -29,6 +29,7 @@ constexpr std::string_view watchUsage =
     "                      one chosen in the settings, 2 at first)\n";
 
 // The options, or the one-line message that tells the user what was wrong.
-std::variant<WatchOptions, std::string> parseWatchOptions(const std::vector<std::string>& arguments);
+std::variant<WatchOptions, std::string>
+parseWatchOptions(const std::vector<std::string>& arguments);
 
 } // namespace loadwarden

@@ -1,8 +1,12 @@
 #include "app/foundation/user_files.h"
 
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 
 namespace loadwarden {
 
@@ -14,6 +18,37 @@ std::optional<std::string> fileText(const std::filesystem::path& path) {
     std::ostringstream text;
     text << file.rdbuf();
     return file.bad() ? std::nullopt : std::optional(text.str());
+}
+
+std::map<std::string, std::filesystem::path> filesIn(const std::filesystem::path& folder,
+                                                     std::string_view suffix) {
+    std::map<std::string, std::filesystem::path> files;
+    std::error_code error;
+    for (auto entry = std::filesystem::directory_iterator(folder, error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (name.ends_with(suffix)) {
+            files.emplace(name, entry->path());
+        }
+    }
+    return files;
+}
+
+std::optional<std::string> replaceFile(const std::filesystem::path& path, std::string_view text) {
+    const QString name = QString::fromStdString(path.string());
+    const QString folder = QFileInfo(name).absolutePath();
+    if (!QDir().mkpath(folder)) {
+        return "the folder " + folder.toStdString() + " could not be made";
+    }
+    QSaveFile file(name);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return file.errorString().toStdString();
+    }
+    file.write(text.data(), static_cast<qint64>(text.size()));
+    if (!file.commit()) {
+        return file.errorString().toStdString();
+    }
+    return std::nullopt;
 }
 
 std::string_view environment(const char* name) {

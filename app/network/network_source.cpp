@@ -2,15 +2,13 @@
 
 #include "app/network/net_top_source.h"
 #include "app/network/socket_stats_source.h"
-
-#include <sys/stat.h>
-#include <unistd.h>
+#include "app/runner/spawn.h"
 
 namespace loadwarden {
 
 std::unique_ptr<NetworkSource> systemNetworkSource() {
 #ifdef __APPLE__
-    if (isExecutableFile(std::string(NetTopSource::location))) {
+    if (Spawn::isExecutableFile(std::string(NetTopSource::location))) {
         return std::make_unique<NetTopSource>();
     }
 #else
@@ -19,12 +17,6 @@ std::unique_ptr<NetworkSource> systemNetworkSource() {
     }
 #endif
     return nullptr;
-}
-
-bool isExecutableFile(const std::string& path) {
-    struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           access(path.c_str(), X_OK) == 0;
 }
 
 } // namespace loadwarden

@@ -30,7 +30,4 @@ public:
 // This system's source, or nothing when its tool is not installed.
 std::unique_ptr<NetworkSource> systemNetworkSource();
 
-// A regular file that this user may execute.
-bool isExecutableFile(const std::string& path);
-
 } // namespace loadwarden

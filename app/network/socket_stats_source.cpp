@@ -1,16 +1,12 @@
 #include "app/network/socket_stats_source.h"
 
+#include "app/runner/spawn.h"
 #include "core/network/linux/socket_stats.h"
 
 namespace loadwarden {
 
 std::optional<std::string> SocketStatsSource::locate() {
-    for (const char* candidate : {"/usr/bin/ss", "/bin/ss", "/usr/sbin/ss", "/sbin/ss"}) {
-        if (isExecutableFile(candidate)) {
-            return candidate;
-        }
-    }
-    return std::nullopt;
+    return Spawn::firstExecutableFile({"/usr/bin/ss", "/bin/ss", "/usr/sbin/ss", "/sbin/ss"});
 }
 
 SocketStatsSource::SocketStatsSource(std::string toolPath) : toolPath_(std::move(toolPath)) {}

@@ -13,6 +13,7 @@
 #include <mutex>
 #include <poll.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <system_error>
 #include <thread>
@@ -29,7 +30,6 @@ using Clock = std::chrono::steady_clock;
 constexpr auto checkPeriod = std::chrono::milliseconds(250);
 constexpr int checkPeriodMilliseconds = static_cast<int>(checkPeriod.count());
 constexpr std::size_t readChunkBytes = 16384;
-constexpr double textTimeout = 20.0;
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
@@ -288,8 +288,23 @@ std::optional<Result> run(const std::string& path, const std::vector<std::string
     return result;
 }
 
+bool isExecutableFile(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           access(path.c_str(), X_OK) == 0;
+}
+
+std::optional<std::string> firstExecutableFile(std::initializer_list<std::string> paths) {
+    for (const std::string& path : paths) {
+        if (isExecutableFile(path)) {
+            return path;
+        }
+    }
+    return std::nullopt;
+}
+
 std::string text(const std::string& path, const std::vector<std::string>& arguments) {
-    const auto result = run(path, arguments, textTimeout, std::nullopt);
+    const auto result = run(path, arguments, shortToolTimeout, std::nullopt);
     return result ? repairUTF8(result->output) : std::string();
 }
 

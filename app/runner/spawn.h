@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,8 +25,17 @@ struct Result {
 std::optional<Result> run(const std::string& path, const std::vector<std::string>& arguments,
                           std::optional<double> timeout, std::optional<double> cpuLimit);
 
+// A regular file that this user may execute.
+bool isExecutableFile(const std::string& path);
+
+// The first of `paths` that is an executable file; nothing when none is.
+std::optional<std::string> firstExecutableFile(std::initializer_list<std::string> paths);
+
+// The wall-clock seconds a short tool is given.
+inline constexpr double shortToolTimeout = 20.0;
+
 // The output of a short tool as UTF-8 text (invalid bytes replaced), after at
-// most 20 seconds; empty when the tool could not be started.
+// most `shortToolTimeout`; empty when the tool could not be started.
 std::string text(const std::string& path, const std::vector<std::string>& arguments);
 
 } // namespace loadwarden::Spawn

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "app/runner/spawn.h"
 #include "core/measurement/process_record.h"
 #include "core/startup/startup_item.h"
 
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace loadwarden {
@@ -28,5 +30,10 @@ public:
 
 // The catalog of the system this program was built for.
 std::unique_ptr<StartupCatalog> makeStartupCatalog();
+
+// What to tell the user when the tool that switches an item (`tool`: its
+// name) did not start or exited with other than 0; nothing otherwise.
+std::optional<std::string> switchingToolError(std::string_view tool,
+                                              const std::optional<Spawn::Result>& result);
 
 } // namespace loadwarden

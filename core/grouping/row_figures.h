@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/grouping/process_column.h"
 #include "core/grouping/process_group.h"
 
 #include <array>
@@ -19,6 +20,11 @@ struct Figure {
 // CPU, memory, energy, disk, network and graphics, in the table's order.
 inline constexpr std::size_t figureCount = 6;
 using RowFigures = std::array<Figure, figureCount>;
+
+// The figure of one of the table's columns; every column after the name has one.
+inline const Figure& figureOf(const RowFigures& figures, ProcessColumn column) {
+    return figures[static_cast<std::size_t>(column) - 1];
+}
 
 RowFigures groupFigures(const ProcessGroup& group);
 RowFigures memberFigures(const LiveProcess& member);

@@ -78,6 +78,8 @@ struct StartupItem {
 
     // Runs at login or is kept running.
     bool startsAtLogin() const { return runAtLoad || keepAlive; }
+    // On Linux: an XDG autostart entry, not a systemd unit.
+    bool isAutostartEntry() const { return plistPath.ends_with(".desktop"); }
 
     bool operator==(const StartupItem&) const = default;
     auto fields() const {

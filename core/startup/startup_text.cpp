@@ -5,25 +5,16 @@
 
 namespace loadwarden {
 
-namespace {
-
-// On Linux items come from systemd units and autostart entries.
-bool isAutostartEntry(const StartupItem& item) {
-    return item.plistPath.ends_with(".desktop");
-}
-
-} // namespace
-
 std::string StartupText::kind(const StartupItem& item) {
     switch (item.scope) {
     case StartupScope::userAgent:
         if (!isMac) {
-            return isAutostartEntry(item) ? "Your autostart entry" : "Your service";
+            return item.isAutostartEntry() ? "Your autostart entry" : "Your service";
         }
         return "Your agent";
     case StartupScope::systemAgent:
         if (!isMac) {
-            return isAutostartEntry(item) ? "Autostart entry" : "Service for every user";
+            return item.isAutostartEntry() ? "Autostart entry" : "Service for every user";
         }
         return "Agent for every user";
     case StartupScope::systemDaemon:

@@ -7,12 +7,13 @@
 
 namespace loadwarden {
 
-// The whole text must be a decimal integer of T's range; no blanks around it.
+// The whole text must be an integer of T's range in that base (decimal
+// unless said); no blanks around it.
 template <typename T>
-std::optional<T> parseInteger(std::string_view text) {
+std::optional<T> parseInteger(std::string_view text, int base = 10) {
     T value{};
     const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    const auto [stop, error] = std::from_chars(text.data(), end, value, base);
     if (text.empty() || error != std::errc{} || stop != end) {
         return std::nullopt;
     }

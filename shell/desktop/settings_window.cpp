@@ -1,8 +1,10 @@
 #include "shell/desktop/settings_window.h"
 
 #include "core/text/platform_wording.h"
+#include "core/text/units_format.h"
 #include "shell/desktop/delete_history.h"
 #include "shell/desktop/hot_key.h"
+#include "shell/desktop/qt_text.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -66,9 +68,9 @@ QWidget* SettingsWindow::generalPane() {
     QGroupBox* updating = section(QStringLiteral("Updating"), pane);
     auto* row = new QFormLayout();
     interval_ = new QComboBox(updating);
-    interval_->addItem(QStringLiteral("1 second"), 1.0);
-    interval_->addItem(QStringLiteral("2 seconds"), 2.0);
-    interval_->addItem(QStringLiteral("5 seconds"), 5.0);
+    for (const Seconds choice : AppSettings::intervalChoices) {
+        interval_->addItem(qtText(formatCount(choice, "second")), choice);
+    }
     interval_->setAccessibleName(QStringLiteral("Update every"));
     row->addRow(QStringLiteral("Update every"), interval_);
     updating->layout()->addItem(row);

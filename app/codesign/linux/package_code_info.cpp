@@ -3,9 +3,6 @@
 #include "app/foundation/user_files.h"
 #include "core/codesign/linux/package_index.h"
 
-#include <filesystem>
-#include <system_error>
-
 namespace loadwarden {
 
 namespace {
@@ -17,13 +14,8 @@ constexpr const char* dpkgLists = "/var/lib/dpkg/info";
 const PackageIndex& packages() {
     static const PackageIndex index = [] {
         PackageIndex built;
-        std::error_code error;
-        for (auto entry = std::filesystem::directory_iterator(dpkgLists, error);
-             !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-            const std::string name = entry->path().filename().string();
-            if (name.ends_with(".list")) {
-                built.addDpkgList(name, fileText(entry->path()).value_or(std::string()));
-            }
+        for (const auto& [name, list] : filesIn(dpkgLists, ".list")) {
+            built.addDpkgList(name, fileText(list).value_or(std::string()));
         }
         return built;
     }();

@@ -14,7 +14,6 @@ namespace loadwarden {
 namespace {
 
 constexpr const char* launchctl = "/bin/launchctl";
-constexpr double toolTimeout = 20.0;
 
 std::string utf8(NSString* text) {
     const char* bytes = text.UTF8String;
@@ -144,14 +143,13 @@ public:
             return StartupText::onlyAnAdministrator();
         }
         for (std::size_t index = 0; index < commands.size(); ++index) {
-            const auto result = Spawn::run(launchctl, commands[index], toolTimeout, std::nullopt);
-            if (!result) {
-                return StartupText::toolDidNotStart("launchctl");
-            }
+            const auto result =
+                Spawn::run(launchctl, commands[index], Spawn::shortToolTimeout, std::nullopt);
             // bootstrap and bootout fail harmlessly when the job is already
             // loaded or gone; only the switch itself counts.
-            if (index == 0 && result->exitCode != 0) {
-                return StartupText::toolFailed("launchctl", result->exitCode.value_or(-1));
+            if (auto error = switchingToolError("launchctl", result);
+                error && (!result || index == 0)) {
+                return error;
             }
         }
         return std::nullopt;

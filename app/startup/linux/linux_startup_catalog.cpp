@@ -4,11 +4,8 @@
 #include "app/runner/spawn.h"
 #include "core/startup/linux/linux_startup.h"
 #include "core/startup/startup_text.h"
-#include "core/text/key_file.h"
 #include "core/text/text_parsing.h"
 
-#include <QDir>
-#include <QSaveFile>
 #include <map>
 #include <set>
 #include <system_error>
@@ -18,22 +15,6 @@ namespace loadwarden {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr double toolTimeout = 20.0;
-
-// Files of a folder with the suffix, by name; none when it cannot be read.
-std::map<std::string, fs::path> filesIn(const std::string& folder, std::string_view suffix) {
-    std::map<std::string, fs::path> files;
-    std::error_code error;
-    for (auto entry = fs::directory_iterator(folder, error);
-         !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (name.ends_with(suffix)) {
-            files.emplace(name, entry->path());
-        }
-    }
-    return files;
-}
 
 // A link under another name is an alias of a unit listed under its own, or a
 // mask (a link to /dev/null).
@@ -47,12 +28,9 @@ bool isAlias(const fs::path& path) {
 std::set<std::string> wantedUnits(const std::vector<std::string>& folders) {
     std::set<std::string> wanted;
     for (const std::string& folder : folders) {
-        std::error_code error;
-        for (auto entry = fs::directory_iterator(folder, error);
-             !error && entry != fs::directory_iterator(); entry.increment(error)) {
-            const std::string name = entry->path().filename().string();
-            if (name.ends_with(".wants") || name.ends_with(".requires")) {
-                for (const auto& [unit, path] : filesIn(entry->path().string(), ".service")) {
+        for (const std::string_view kind : {".wants", ".requires"}) {
+            for (const auto& [target, links] : filesIn(folder, kind)) {
+                for (const auto& [unit, link] : filesIn(links, ".service")) {
                     wanted.insert(unit);
                 }
             }
@@ -61,41 +39,20 @@ std::set<std::string> wantedUnits(const std::vector<std::string>& folders) {
     return wanted;
 }
 
-std::string firstExisting(std::initializer_list<const char*> paths) {
-    for (const char* path : paths) {
-        if (access(path, X_OK) == 0) {
-            return path;
-        }
-    }
-    return {};
-}
-
 std::optional<std::string> run(const std::vector<std::string>& arguments) {
     const std::string& tool = arguments.front();
-    const std::string path = firstExisting({"/usr/bin/systemctl", "/bin/systemctl"});
-    const auto result = path.empty() ? std::nullopt
-                                     : Spawn::run(path, {arguments.begin() + 1, arguments.end()},
-                                                  toolTimeout, std::nullopt);
-    if (!result) {
-        return StartupText::toolDidNotStart(tool);
-    }
-    if (result->exitCode != 0) {
-        return StartupText::toolFailed(tool, result->exitCode.value_or(-1));
-    }
-    return std::nullopt;
+    const auto path = Spawn::firstExecutableFile({"/usr/bin/" + tool, "/bin/" + tool});
+    return switchingToolError(tool,
+                              path ? Spawn::run(*path, {arguments.begin() + 1, arguments.end()},
+                                                Spawn::shortToolTimeout, std::nullopt)
+                                   : std::nullopt);
 }
 
 std::optional<std::string> write(const LinuxStartup::WriteFile& change) {
-    const QString path = QString::fromStdString(change.path);
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(change.text.data(), static_cast<qint64>(change.text.size()));
-        if (file.commit()) {
-            return std::nullopt;
-        }
+    if (const auto error = replaceFile(change.path, change.text)) {
+        return "The autostart entry couldn’t be saved: " + *error;
     }
-    return "The autostart entry couldn’t be saved: " + file.errorString().toStdString();
+    return std::nullopt;
 }
 
 std::optional<std::string> remove(const LinuxStartup::RemoveFile& change) {
@@ -181,32 +138,31 @@ void LinuxStartupCatalog::addAutostartEntries(std::vector<StartupItem>& items) c
         }
     }
     const auto own = filesIn(userAutostartFolder(), ".desktop");
-    const auto add = [&](const fs::path& path, StartupScope scope, bool hiddenByUser) {
-        if (const auto text = fileText(path)) {
-            if (auto item = LinuxStartup::fromAutostart(*text, path.string(), scope,
-                                                        folders_.desktops, folders_.locale)) {
-                item->disabled = item->disabled || hiddenByUser;
-                items.push_back(std::move(*item));
-            }
+    const auto keep = [&items](std::optional<StartupItem> item) {
+        if (item) {
+            items.push_back(std::move(*item));
         }
+    };
+    const auto alone = [this](const fs::path& path, StartupScope scope) {
+        const auto text = fileText(path);
+        return text ? LinuxStartup::fromAutostart(*text, path.string(), scope, folders_.desktops,
+                                                  folders_.locale)
+                    : std::nullopt;
+    };
+    const auto read = [](const fs::path& path) {
+        return LinuxStartup::AutostartFile{.path = path.string(), .text = fileText(path)};
     };
     for (const auto& [name, path] : own) {
         if (!shared.contains(name)) {
-            add(path, StartupScope::userAgent, false);
+            keep(alone(path, StartupScope::userAgent));
         }
     }
     for (const auto& [name, path] : shared) {
         const auto copy = own.find(name);
-        if (copy == own.end()) {
-            add(path, StartupScope::systemAgent, false);
-            continue;
-        }
-        // The user's copy replaces the shared entry; one that only hides it
-        // leaves the shared entry's name and program to show.
-        const auto text = fileText(copy->second).value_or("");
-        const bool onlyHides = !keyFileGroup(text, "Desktop Entry").contains("Exec");
-        add(onlyHides ? path : copy->second, StartupScope::systemAgent,
-            LinuxStartup::isSwitchedOff(text));
+        keep(copy == own.end()
+                 ? alone(path, StartupScope::systemAgent)
+                 : LinuxStartup::fromSharedAutostart(read(path), read(copy->second),
+                                                     folders_.desktops, folders_.locale));
     }
 }
 

@@ -3,6 +3,8 @@
 #include "core/measurement/linux/fields.h"
 #include "core/text/text_parsing.h"
 
+#include <algorithm>
+
 namespace loadwarden {
 
 namespace {
@@ -86,6 +88,16 @@ std::optional<ProcIO> parseProcIO(std::string_view text) {
 
 std::string_view firstArgument(std::string_view cmdline) {
     return cmdline.substr(0, cmdline.find('\0'));
+}
+
+std::vector<std::string> arguments(std::string_view cmdline) {
+    std::vector<std::string> words;
+    for (std::size_t start = 0; start < cmdline.size();) {
+        const std::size_t end = std::min(cmdline.find('\0', start), cmdline.size());
+        words.emplace_back(cmdline.substr(start, end - start));
+        start = end + 1;
+    }
+    return words;
 }
 
 std::string_view executablePathFromLink(std::string_view link) {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace loadwarden {
 
@@ -43,6 +44,8 @@ std::optional<ProcIO> parseProcIO(std::string_view text);
 
 // argv[0] from the NUL-separated /proc/PID/cmdline.
 std::string_view firstArgument(std::string_view cmdline);
+// Every argument of it, argv[0] first.
+std::vector<std::string> arguments(std::string_view cmdline);
 
 // The target of /proc/PID/exe without the " (deleted)" mark of a replaced file.
 std::string_view executablePathFromLink(std::string_view link);

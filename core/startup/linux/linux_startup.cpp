@@ -4,13 +4,14 @@
 #include "core/text/key_file.h"
 #include "core/text/text_parsing.h"
 
-#include <array>
 #include <algorithm>
+#include <array>
 
 namespace loadwarden::LinuxStartup {
 
 namespace {
 
+constexpr std::string_view entryName = "Desktop Entry";
 constexpr std::string_view entryGroup = "[Desktop Entry]";
 constexpr std::string_view hiddenLine = "Hidden=true";
 
@@ -56,12 +57,7 @@ bool isSwitchedOff(const KeyFileGroup& entry) {
            lastValue(entry, "X-GNOME-Autostart-enabled") == "false";
 }
 
-bool isUnitFile(const std::string& path) {
-    return !path.ends_with(".desktop");
-}
-
-} // namespace
-
+// The program of a command line: its first word, quotes removed.
 std::string programOf(std::string_view commandLine) {
     commandLine = trimWhitespace(commandLine);
     if (!commandLine.empty() && (commandLine.front() == '"' || commandLine.front() == '\'')) {
@@ -71,6 +67,61 @@ std::string programOf(std::string_view commandLine) {
     }
     return std::string(commandLine.substr(0, commandLine.find_first_of(" \t")));
 }
+
+// The entry's text with Hidden= set, or without it, all else kept.
+std::string withHidden(std::string_view text, bool hidden) {
+    std::string out;
+    bool inEntry = false;
+    bool written = false;
+    forEachLine(text, [&](std::string_view line) {
+        const std::string_view trimmed = trimWhitespace(line);
+        if (trimmed.starts_with('[')) {
+            inEntry = trimmed == entryGroup;
+        } else if (inEntry && (trimmed.starts_with("Hidden=") ||
+                               trimmed.starts_with("X-GNOME-Autostart-enabled="))) {
+            return; // replaced below, or dropped
+        }
+        out.append(line);
+        out += '\n';
+        if (inEntry && hidden && !written) {
+            out.append(hiddenLine);
+            out += '\n';
+            written = true;
+        }
+    });
+    if (hidden && !written) {
+        out.append(entryGroup).append("\n").append(hiddenLine).append("\n");
+    }
+    return out;
+}
+
+// An autostart entry from its [Desktop Entry] group.
+std::optional<StartupItem> fromEntry(const KeyFileGroup& entry, const std::string& path,
+                                     StartupScope scope, std::string_view desktops,
+                                     std::string_view locale) {
+    if (!meantForDesktop(entry, desktops)) {
+        return std::nullopt;
+    }
+    std::string program = programOf(unescapedValue(lastValue(entry, "Exec").value_or("")));
+    if (program.empty()) {
+        return std::nullopt;
+    }
+    const std::string label(fileName(path));
+    return StartupItem{
+        .label = label,
+        .name = DesktopEntries::localizedName(entry, locale)
+                    .value_or(label.substr(0, label.rfind('.'))),
+        .program = std::move(program),
+        .plistPath = path,
+        .scope = scope,
+        .runAtLoad = true,
+        .keepAlive = false,
+        .interval = std::nullopt,
+        .disabled = isSwitchedOff(entry),
+    };
+}
+
+} // namespace
 
 std::optional<StartupItem> fromUnit(std::string_view text, const std::string& path,
                                     StartupScope scope, bool enabled) {
@@ -106,63 +157,31 @@ std::optional<StartupItem> fromUnit(std::string_view text, const std::string& pa
 std::optional<StartupItem> fromAutostart(std::string_view text, const std::string& path,
                                          StartupScope scope, std::string_view desktops,
                                          std::string_view locale) {
-    const KeyFileGroup entry = keyFileGroup(text, "Desktop Entry");
-    if (!meantForDesktop(entry, desktops)) {
-        return std::nullopt;
-    }
-    std::string program = programOf(unescapedValue(lastValue(entry, "Exec").value_or("")));
-    if (program.empty()) {
-        return std::nullopt;
-    }
-    const std::string label(fileName(path));
-    return StartupItem{
-        .label = label,
-        .name = DesktopEntries::localizedName(entry, locale)
-                    .value_or(label.substr(0, label.rfind('.'))),
-        .program = std::move(program),
-        .plistPath = path,
-        .scope = scope,
-        .runAtLoad = true,
-        .keepAlive = false,
-        .interval = std::nullopt,
-        .disabled = isSwitchedOff(entry),
-    };
+    return fromEntry(keyFileGroup(text, entryName), path, scope, desktops, locale);
 }
 
-bool isSwitchedOff(std::string_view text) {
-    return isSwitchedOff(keyFileGroup(text, "Desktop Entry"));
-}
-
-std::string withHidden(std::string_view text, bool hidden) {
-    std::string out;
-    bool inEntry = false;
-    bool written = false;
-    forEachLine(text, [&](std::string_view line) {
-        const std::string_view trimmed = trimWhitespace(line);
-        if (trimmed.starts_with('[')) {
-            inEntry = trimmed == entryGroup;
-        } else if (inEntry && (trimmed.starts_with("Hidden=") ||
-                               trimmed.starts_with("X-GNOME-Autostart-enabled="))) {
-            return; // replaced below, or dropped
-        }
-        out.append(line);
-        out += '\n';
-        if (inEntry && hidden && !written) {
-            out.append(hiddenLine);
-            out += '\n';
-            written = true;
-        }
-    });
-    if (hidden && !written) {
-        out.append(entryGroup).append("\n").append(hiddenLine).append("\n");
+std::optional<StartupItem> fromSharedAutostart(const AutostartFile& shared,
+                                               const AutostartFile& userCopy,
+                                               std::string_view desktops, std::string_view locale) {
+    const KeyFileGroup copy = keyFileGroup(userCopy.text.value_or(""), entryName);
+    if (copy.contains("Exec")) {
+        return fromEntry(copy, userCopy.path, StartupScope::systemAgent, desktops, locale);
     }
-    return out;
+    if (!shared.text) {
+        return std::nullopt;
+    }
+    auto item =
+        fromAutostart(*shared.text, shared.path, StartupScope::systemAgent, desktops, locale);
+    if (item) {
+        item->disabled = item->disabled || isSwitchedOff(copy);
+    }
+    return item;
 }
 
 std::optional<Change> change(const StartupItem& item, bool enable,
                              const std::string& userAutostartFolder,
                              const std::optional<std::string>& userCopy) {
-    if (isUnitFile(item.plistPath)) {
+    if (!item.isAutostartEntry()) {
         if (item.scope != StartupScope::userAgent) {
             return std::nullopt;
         }

@@ -26,8 +26,19 @@ std::optional<StartupItem> fromAutostart(std::string_view text, const std::strin
                                          StartupScope scope, std::string_view desktops,
                                          std::string_view locale);
 
-// The program of a command line: its first word, quotes removed.
-std::string programOf(std::string_view commandLine);
+// An autostart file as read; `text` is absent when it could not be.
+struct AutostartFile {
+    std::string path;
+    std::optional<std::string> text;
+};
+
+// An autostart entry installed for every user that the user has a copy of,
+// as the user sees it. A copy that names a program replaces the entry; any
+// other copy, an unreadable one included, only hides it, leaving the entry's
+// name and program, turned off when either says so.
+std::optional<StartupItem> fromSharedAutostart(const AutostartFile& shared,
+                                               const AutostartFile& userCopy,
+                                               std::string_view desktops, std::string_view locale);
 
 struct RunTool {
     std::vector<std::string> arguments; // the tool first
@@ -54,12 +65,5 @@ using Change = std::variant<RunTool, WriteFile, RemoveFile>;
 std::optional<Change> change(const StartupItem& item, bool enable,
                              const std::string& userAutostartFolder,
                              const std::optional<std::string>& userCopy);
-
-// Whether an autostart entry says it is off: Hidden=true, or GNOME's own
-// switch set to false.
-bool isSwitchedOff(std::string_view text);
-
-// The entry's text with Hidden= set, or without it, all else kept.
-std::string withHidden(std::string_view text, bool hidden);
 
 } // namespace loadwarden::LinuxStartup

@@ -28,6 +28,41 @@ constexpr std::uint32_t kernelZombie = 5;
 
 constexpr double psTimeout = 20.0;
 
+// Version 6 of the kernel's resource usage, new in macOS 13: version 5 and
+// then these. The macOS 12 headers do not have it and a macOS 12 kernel
+// refuses it, so it is asked for only where the running system has it.
+struct ResourceUsageV6 {
+    rusage_info_v5 v5;
+    std::uint64_t userPTime;
+    std::uint64_t systemPTime;
+    std::uint64_t pInstructions;
+    std::uint64_t pCycles;
+    std::uint64_t energyNJ;
+    std::uint64_t pEnergyNJ;
+    std::uint64_t laterFields[14];
+};
+constexpr int resourceUsageV6 = 6;
+
+// Version 4, which every supported system gives: processor and disk figures.
+std::optional<rusage_info_v4> resourceUsage(pid_t pid) {
+    rusage_info_v4 usage{};
+    if (proc_pid_rusage(pid, RUSAGE_INFO_V4, reinterpret_cast<rusage_info_t*>(&usage)) != 0) {
+        return std::nullopt;
+    }
+    return usage;
+}
+
+// The process's energy in nanojoules, on systems that count it.
+std::optional<std::uint64_t> energyNJ(pid_t pid) {
+    if (__builtin_available(macOS 13.0, *)) {
+        ResourceUsageV6 usage{};
+        if (proc_pid_rusage(pid, resourceUsageV6, reinterpret_cast<rusage_info_t*>(&usage)) == 0) {
+            return usage.energyNJ;
+        }
+    }
+    return std::nullopt;
+}
+
 // The lines of one complete run of the process-status tool; none when it
 // could not start or was killed part way, which would list only some processes.
 std::vector<PSLine> psLines() {
@@ -160,13 +195,11 @@ std::vector<ProcessReading> DarwinProcesses::read() const {
 void DarwinProcesses::addKernelFigures(ProcessReading& reading) const {
     ProcessRecord& record = reading.record;
     record.started = startDate(record.pid, bsdInfo(record.pid));
-    rusage_info_v6 usage{};
-    if (proc_pid_rusage(record.pid, RUSAGE_INFO_V6, reinterpret_cast<rusage_info_t*>(&usage)) ==
-        0) {
-        record.diskReadBytes = usage.ri_diskio_bytesread;
-        record.diskWrittenBytes = usage.ri_diskio_byteswritten;
-        record.energyNJ = usage.ri_energy_nj;
+    if (const auto usage = resourceUsage(record.pid)) {
+        record.diskReadBytes = usage->ri_diskio_bytesread;
+        record.diskWrittenBytes = usage->ri_diskio_byteswritten;
     }
+    record.energyNJ = energyNJ(record.pid);
     // Memory is the resident size for every process, the figure ps gives for
     // all of them; the footprint would be readable for the user's own
     // processes only, and a group must not add two measures.
@@ -180,9 +213,8 @@ void DarwinProcesses::addKernelFigures(ProcessReading& reading) const {
 
 std::optional<ProcessReading> DarwinProcesses::fromKernel(pid_t pid) const {
     const auto info = bsdInfo(pid);
-    rusage_info_v6 usage{};
-    if (!info ||
-        proc_pid_rusage(pid, RUSAGE_INFO_V6, reinterpret_cast<rusage_info_t*>(&usage)) != 0) {
+    const auto usage = resourceUsage(pid);
+    if (!info || !usage) {
         return std::nullopt;
     }
     ProcessReading reading;
@@ -190,7 +222,7 @@ std::optional<ProcessReading> DarwinProcesses::fromKernel(pid_t pid) const {
     reading.record.ppid = static_cast<std::int32_t>(info->pbi_ppid);
     reading.record.uid = info->pbi_uid;
     reading.record.cpuTimeNs = static_cast<std::uint64_t>(
-        timebase_ * static_cast<double>(usage.ri_user_time + usage.ri_system_time));
+        timebase_ * static_cast<double>(usage->ri_user_time + usage->ri_system_time));
     reading.record.state = runStateFromKernelStatus(info->pbi_status);
     char path[PROC_PIDPATHINFO_MAXSIZE] = {};
     reading.command = proc_pidpath(pid, path, static_cast<std::uint32_t>(sizeof path)) > 0

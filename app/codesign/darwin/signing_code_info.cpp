@@ -1,37 +1,16 @@
 #include "app/codesign/code_info_cache.h"
+#include "app/foundation/darwin/cf_values.h"
 
-#include <Security/Security.h>
+// The umbrella header pulls in parts Apple ships only privately.
+#include <Security/SecCertificate.h>
+#include <Security/SecCode.h>
+#include <Security/SecStaticCode.h>
 
 namespace loadwarden {
 
 namespace {
 
 constexpr std::uint32_t adHocFlag = 2; // of the code directory flags
-
-// Releases a Core Foundation object when the scope ends.
-template <typename Ref>
-struct Owned {
-    Ref ref = nullptr;
-    ~Owned() {
-        if (ref) {
-            CFRelease(ref);
-        }
-    }
-};
-
-std::string utf8(CFStringRef text) {
-    if (!text) {
-        return {};
-    }
-    const CFIndex size =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(text), kCFStringEncodingUTF8) + 1;
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    if (!CFStringGetCString(text, bytes.data(), size, kCFStringEncodingUTF8)) {
-        return {};
-    }
-    bytes.resize(std::char_traits<char>::length(bytes.c_str()));
-    return bytes;
-}
 
 template <typename Ref>
 Ref valueOf(CFDictionaryRef dictionary, CFStringRef key, CFTypeID type) {
@@ -40,7 +19,8 @@ Ref valueOf(CFDictionaryRef dictionary, CFStringRef key, CFTypeID type) {
 }
 
 CodeInfo::Signer signerOf(CFDictionaryRef information) {
-    if (const auto flags = valueOf<CFNumberRef>(information, kSecCodeInfoFlags, CFNumberGetTypeID())) {
+    if (const auto flags =
+            valueOf<CFNumberRef>(information, kSecCodeInfoFlags, CFNumberGetTypeID())) {
         std::uint32_t value = 0;
         if (CFNumberGetValue(flags, kCFNumberSInt32Type, &value) && (value & adHocFlag) != 0) {
             return {CodeInfo::Signer::Kind::adHoc, {}};
@@ -55,32 +35,31 @@ CodeInfo::Signer signerOf(CFDictionaryRef information) {
         return {};
     }
     const auto first = (SecCertificateRef)CFArrayGetValueAtIndex(certificates, 0);
-    const Owned<CFStringRef> summary{SecCertificateCopySubjectSummary(first)};
-    return signerFromSummary(utf8(summary.ref));
+    const CFValues::Owned<CFStringRef> summary{SecCertificateCopySubjectSummary(first)};
+    return signerFromSummary(CFValues::string(summary.get()));
 }
 
 } // namespace
 
 CodeInfo readCodeInfo(const std::string& path) {
-    const Owned<CFURLRef> url{CFURLCreateFromFileSystemRepresentation(
-        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.c_str()),
-        static_cast<CFIndex>(path.size()), false)};
-    Owned<SecStaticCodeRef> code;
-    if (!url.ref || SecStaticCodeCreateWithPath(url.ref, kSecCSDefaultFlags, &code.ref) !=
-                        errSecSuccess) {
+    const auto url = CFValues::fileURL(path, false);
+    CFValues::Owned<SecStaticCodeRef> code;
+    if (!url.get() || SecStaticCodeCreateWithPath(url.get(), kSecCSDefaultFlags, code.receive()) !=
+                          errSecSuccess) {
         return {};
     }
-    Owned<CFDictionaryRef> information;
-    if (SecCodeCopySigningInformation(code.ref, kSecCSSigningInformation, &information.ref) !=
-            errSecSuccess ||
-        !information.ref) {
+    CFValues::Owned<CFDictionaryRef> information;
+    if (SecCodeCopySigningInformation(code.get(), kSecCSSigningInformation,
+                                      information.receive()) != errSecSuccess ||
+        !information.get()) {
         return {};
     }
-    CodeInfo info{.signer = signerOf(information.ref), .sandboxed = false};
+    CodeInfo info{.signer = signerOf(information.get()), .sandboxed = false};
     if (const auto entitlements = valueOf<CFDictionaryRef>(
-            information.ref, kSecCodeInfoEntitlementsDict, CFDictionaryGetTypeID())) {
-        info.sandboxed = CFDictionaryGetValue(entitlements, CFSTR("com.apple.security.app-sandbox")) ==
-                         kCFBooleanTrue;
+            information.get(), kSecCodeInfoEntitlementsDict, CFDictionaryGetTypeID())) {
+        info.sandboxed =
+            CFDictionaryGetValue(entitlements, CFSTR("com.apple.security.app-sandbox")) ==
+            kCFBooleanTrue;
     }
     return info;
 }

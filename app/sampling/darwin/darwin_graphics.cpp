@@ -10,8 +10,8 @@ void DarwinGraphics::measure(std::vector<ProcessReading>& /*readings*/) {
     std::optional<double> busiest;
     Registry::forEachService("IOAccelerator", [&busiest](io_object_t service) {
         const auto statistics = Registry::property(service, CFSTR("PerformanceStatistics"));
-        if (const auto percent = Registry::number(
-                Registry::value(statistics.get(), CFSTR("Device Utilization %")))) {
+        if (const auto percent = CFValues::number(
+                CFValues::value(statistics.get(), CFSTR("Device Utilization %")))) {
             busiest = std::max(busiest.value_or(0.0), *percent / 100.0);
         }
     });

@@ -43,11 +43,11 @@ xsw_usage swapUsage() {
 }
 
 std::optional<PowerSourceFigures> internalBattery() {
-    const Registry::Owned info(IOPSCopyPowerSourcesInfo());
+    const CFValues::Owned<> info(IOPSCopyPowerSourcesInfo());
     if (info.get() == nullptr) {
         return std::nullopt;
     }
-    const Registry::Owned sources(IOPSCopyPowerSourcesList(info.get()));
+    const CFValues::Owned<> sources(IOPSCopyPowerSourcesList(info.get()));
     if (sources.get() == nullptr) {
         return std::nullopt;
     }
@@ -55,19 +55,19 @@ std::optional<PowerSourceFigures> internalBattery() {
     for (CFIndex i = 0; i < CFArrayGetCount(list); ++i) {
         const CFDictionaryRef source =
             IOPSGetPowerSourceDescription(info.get(), CFArrayGetValueAtIndex(list, i));
-        if (Registry::string(Registry::value(source, CFSTR(kIOPSTypeKey))) !=
+        if (CFValues::string(CFValues::value(source, CFSTR(kIOPSTypeKey))) !=
             kIOPSInternalBatteryType) {
             continue;
         }
         return PowerSourceFigures{
             .currentCapacity =
-                Registry::number(Registry::value(source, CFSTR(kIOPSCurrentCapacityKey))),
-            .maxCapacity = Registry::number(Registry::value(source, CFSTR(kIOPSMaxCapacityKey))),
-            .minutesToEmpty = Registry::number(Registry::value(source, CFSTR(kIOPSTimeToEmptyKey))),
-            .isCharging = Registry::boolean(Registry::value(source, CFSTR(kIOPSIsChargingKey)))
+                CFValues::number(CFValues::value(source, CFSTR(kIOPSCurrentCapacityKey))),
+            .maxCapacity = CFValues::number(CFValues::value(source, CFSTR(kIOPSMaxCapacityKey))),
+            .minutesToEmpty = CFValues::number(CFValues::value(source, CFSTR(kIOPSTimeToEmptyKey))),
+            .isCharging = CFValues::boolean(CFValues::value(source, CFSTR(kIOPSIsChargingKey)))
                               .value_or(false),
             .powerSourceState =
-                Registry::string(Registry::value(source, CFSTR(kIOPSPowerSourceStateKey))),
+                CFValues::string(CFValues::value(source, CFSTR(kIOPSPowerSourceStateKey))),
         };
     }
     return std::nullopt;
@@ -80,13 +80,13 @@ void addSmartBatteryFigures(PowerSourceFigures& figures) {
         return;
     }
     if (const auto cycles =
-            Registry::integer(Registry::property(battery, CFSTR("CycleCount")).get())) {
+            CFValues::integer(Registry::property(battery, CFSTR("CycleCount")).get())) {
         figures.cycleCount = static_cast<int>(*cycles);
     }
     figures.rawMaxCapacity =
-        Registry::number(Registry::property(battery, CFSTR("AppleRawMaxCapacity")).get());
+        CFValues::number(Registry::property(battery, CFSTR("AppleRawMaxCapacity")).get());
     figures.designCapacity =
-        Registry::number(Registry::property(battery, CFSTR("DesignCapacity")).get());
+        CFValues::number(Registry::property(battery, CFSTR("DesignCapacity")).get());
     IOObjectRelease(battery);
 }
 
@@ -156,9 +156,9 @@ std::optional<ByteCounters> DarwinSystem::diskCounters() const {
         Registry::forEachService("IOBlockStorageDriver", [&total](io_object_t driver) {
             const auto statistics = Registry::property(driver, CFSTR("Statistics"));
             const auto bytesRead =
-                Registry::integer(Registry::value(statistics.get(), CFSTR("Bytes (Read)")));
+                CFValues::integer(CFValues::value(statistics.get(), CFSTR("Bytes (Read)")));
             const auto bytesWritten =
-                Registry::integer(Registry::value(statistics.get(), CFSTR("Bytes (Write)")));
+                CFValues::integer(CFValues::value(statistics.get(), CFSTR("Bytes (Write)")));
             total.in = checkedAdd(total.in, static_cast<std::uint64_t>(
                                                 std::max<std::int64_t>(bytesRead.value_or(0), 0)));
             total.out = checkedAdd(total.out, static_cast<std::uint64_t>(std::max<std::int64_t>(
@@ -216,7 +216,20 @@ bool DarwinSystem::lowPowerMode() const {
 }
 
 std::optional<DiskSpace> DarwinSystem::diskSpace() const {
-    return FoundationFigures::startupVolumeSpace();
+    const auto root = CFValues::fileURL("/", true);
+    const CFStringRef availableKey = kCFURLVolumeAvailableCapacityForImportantUsageKey;
+    const CFStringRef totalKey = kCFURLVolumeTotalCapacityKey;
+    const void* keys[] = {availableKey, totalKey};
+    const CFValues::Owned<CFArrayRef> wanted(
+        CFArrayCreate(kCFAllocatorDefault, keys, 2, &kCFTypeArrayCallBacks));
+    const CFValues::Owned<CFDictionaryRef> values(
+        CFURLCopyResourcePropertiesForKeys(root.get(), wanted.get(), nullptr));
+    const auto available = CFValues::integer(CFValues::value(values.get(), availableKey));
+    const auto total = CFValues::integer(CFValues::value(values.get(), totalKey));
+    if (!available || !total || *available < 0 || *total < 0) {
+        return std::nullopt;
+    }
+    return DiskSpace{static_cast<std::uint64_t>(*available), static_cast<std::uint64_t>(*total)};
 }
 
 Seconds DarwinSystem::uptime() const {

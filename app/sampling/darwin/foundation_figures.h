@@ -1,9 +1,6 @@
 #pragma once
 
-#include "app/sampling/sampler_backend.h"
 #include "core/measurement/thermal.h"
-
-#include <optional>
 
 namespace loadwarden::FoundationFigures {
 
@@ -11,8 +8,5 @@ namespace loadwarden::FoundationFigures {
 ThermalLevel thermalLevel();
 
 bool lowPowerMode();
-
-// The start-up volume: capacity available for important use, and its total.
-std::optional<DiskSpace> startupVolumeSpace();
 
 } // namespace loadwarden::FoundationFigures

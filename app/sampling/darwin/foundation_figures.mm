@@ -22,20 +22,4 @@ bool FoundationFigures::lowPowerMode() {
     return [[NSProcessInfo processInfo] isLowPowerModeEnabled];
 }
 
-std::optional<DiskSpace> FoundationFigures::startupVolumeSpace() {
-    @autoreleasepool {
-        NSURL* root = [NSURL fileURLWithPath:@"/" isDirectory:YES];
-        NSDictionary<NSURLResourceKey, id>* values = [root resourceValuesForKeys:@[
-            NSURLVolumeAvailableCapacityForImportantUsageKey, NSURLVolumeTotalCapacityKey
-        ]
-                                                                           error:nil];
-        NSNumber* available = values[NSURLVolumeAvailableCapacityForImportantUsageKey];
-        NSNumber* total = values[NSURLVolumeTotalCapacityKey];
-        if (available == nil || total == nil) {
-            return std::nullopt;
-        }
-        return DiskSpace{available.unsignedLongLongValue, total.unsignedLongLongValue};
-    }
-}
-
 } // namespace loadwarden

@@ -1,11 +1,11 @@
-#include "app/startup/startup_catalog.h"
-
+#include "app/foundation/darwin/cf_values.h"
+#include "app/foundation/user_files.h"
 #include "app/runner/spawn.h"
+#include "app/startup/startup_catalog.h"
 #include "core/grouping/process_grouper.h"
 #include "core/startup/startup_text.h"
 
-#import <Foundation/Foundation.h>
-
+#include <filesystem>
 #include <set>
 #include <unistd.h>
 
@@ -15,58 +15,59 @@ namespace {
 
 constexpr const char* launchctl = "/bin/launchctl";
 
-std::string utf8(NSString* text) {
-    const char* bytes = text.UTF8String;
-    return bytes ? bytes : "";
-}
-
 // A property-list value reduced to what a launch job can hold.
-PropertyValue plain(id value) {
-    if ([value isKindOfClass:NSString.class]) {
-        return {utf8(value)};
+PropertyValue plain(CFTypeRef value) {
+    const CFTypeID type = CFGetTypeID(value);
+    if (type == CFStringGetTypeID()) {
+        return {CFValues::string(value)};
     }
-    if ([value isKindOfClass:NSNumber.class]) {
-        NSNumber* number = value;
-        if (CFGetTypeID((__bridge CFTypeRef)number) == CFBooleanGetTypeID()) {
-            return {static_cast<bool>(number.boolValue)};
-        }
-        return CFNumberIsFloatType((__bridge CFNumberRef)number)
-                   ? PropertyValue{number.doubleValue}
-                   : PropertyValue{static_cast<std::int64_t>(number.longLongValue)};
+    if (type == CFBooleanGetTypeID()) {
+        return {*CFValues::boolean(value)};
     }
-    if ([value isKindOfClass:NSArray.class]) {
+    if (type == CFNumberGetTypeID()) {
+        return CFNumberIsFloatType(static_cast<CFNumberRef>(value))
+                   ? PropertyValue{*CFValues::number(value)}
+                   : PropertyValue{*CFValues::integer(value)};
+    }
+    if (type == CFArrayGetTypeID()) {
+        const auto source = static_cast<CFArrayRef>(value);
         PropertyArray array;
-        for (id element in (NSArray*)value) {
-            array.push_back(plain(element));
+        for (CFIndex index = 0; index < CFArrayGetCount(source); ++index) {
+            array.push_back(plain(CFArrayGetValueAtIndex(source, index)));
         }
         return {std::move(array)};
     }
-    if ([value isKindOfClass:NSDictionary.class]) {
+    if (type == CFDictionaryGetTypeID()) {
+        const auto source = static_cast<CFDictionaryRef>(value);
         PropertyDictionary dictionary;
-        NSDictionary* source = value;
-        for (id key in source) {
-            if ([key isKindOfClass:NSString.class]) {
-                dictionary.emplace(utf8(key), plain(source[key]));
-            }
-        }
+        CFDictionaryApplyFunction(
+            source,
+            [](const void* key, const void* element, void* context) {
+                if (CFGetTypeID(key) == CFStringGetTypeID()) {
+                    static_cast<PropertyDictionary*>(context)->emplace(CFValues::string(key),
+                                                                       plain(element));
+                }
+            },
+            &dictionary);
         return {std::move(dictionary)};
     }
     return {};
 }
 
-std::optional<PropertyDictionary> readPropertyList(NSString* path) {
-    NSData* data = [NSData dataWithContentsOfFile:path];
-    if (!data) {
+std::optional<PropertyDictionary> readPropertyList(const std::filesystem::path& path) {
+    const auto bytes = fileText(path);
+    if (!bytes) {
         return std::nullopt;
     }
-    id list = [NSPropertyListSerialization propertyListWithData:data
-                                                        options:NSPropertyListImmutable
-                                                         format:nil
-                                                          error:nil];
-    if (![list isKindOfClass:NSDictionary.class]) {
+    const CFValues::Owned<CFDataRef> data(CFDataCreateWithBytesNoCopy(
+        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes->data()),
+        static_cast<CFIndex>(bytes->size()), kCFAllocatorNull));
+    const CFValues::Owned<CFPropertyListRef> list(CFPropertyListCreateWithData(
+        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    if (list.get() == nullptr || CFGetTypeID(list.get()) != CFDictionaryGetTypeID()) {
         return std::nullopt;
     }
-    return std::get<PropertyDictionary>(plain(list).value);
+    return std::get<PropertyDictionary>(plain(list.get()).value);
 }
 
 std::string domain() {
@@ -74,17 +75,14 @@ std::string domain() {
 }
 
 // Launch agents and daemons in a folder, in name order.
-void addJobs(std::vector<StartupItem>& items, NSString* folder, StartupScope scope,
-             const std::map<std::string, bool>& disabled) {
-    NSArray<NSString*>* names = [NSFileManager.defaultManager contentsOfDirectoryAtPath:folder
-                                                                                 error:nil];
-    for (NSString* name in [names sortedArrayUsingSelector:@selector(compare:)]) {
-        if (![name hasSuffix:@".plist"] || [name hasPrefix:@"._"]) {
-            continue;
+void addJobs(std::vector<StartupItem>& items, const std::filesystem::path& folder,
+             StartupScope scope, const std::map<std::string, bool>& disabled) {
+    for (const auto& [name, path] : filesIn(folder, ".plist")) {
+        if (name.starts_with("._")) {
+            continue; // resource forks left by copies from other file systems
         }
-        NSString* path = [folder stringByAppendingPathComponent:name];
         if (const auto list = readPropertyList(path)) {
-            if (auto item = StartupItem::parse(*list, utf8(path), scope, disabled)) {
+            if (auto item = StartupItem::parse(*list, path.string(), scope, disabled)) {
                 items.push_back(std::move(*item));
             }
         }
@@ -102,8 +100,7 @@ void addLoginItems(std::vector<StartupItem>& items, const std::vector<LiveProces
         }
         std::string name = process.record.name;
         if (const auto bundle = ProcessGrouper::bundlePath(path)) {
-            NSString* app = [NSString stringWithUTF8String:std::string(*bundle).c_str()];
-            name = utf8(app.lastPathComponent.stringByDeletingPathExtension) + " (" + name + ")";
+            name = std::filesystem::path(*bundle).stem().string() + " (" + name + ")";
         }
         items.push_back({.label = path,
                          .name = name,
@@ -120,17 +117,15 @@ void addLoginItems(std::vector<StartupItem>& items, const std::vector<LiveProces
 class DarwinStartupCatalog final : public StartupCatalog {
 public:
     std::vector<StartupItem> items(const std::vector<LiveProcess>& processes) override {
-        @autoreleasepool {
-            const auto disabled =
-                LaunchctlDisabled::parse(Spawn::text(launchctl, {"print-disabled", domain()}));
-            std::vector<StartupItem> items;
-            addJobs(items, [NSHomeDirectory() stringByAppendingPathComponent:@"Library/LaunchAgents"],
-                    StartupScope::userAgent, disabled);
-            addJobs(items, @"/Library/LaunchAgents", StartupScope::systemAgent, disabled);
-            addJobs(items, @"/Library/LaunchDaemons", StartupScope::systemDaemon, disabled);
-            addLoginItems(items, processes);
-            return items;
-        }
+        const auto disabled =
+            LaunchctlDisabled::parse(Spawn::text(launchctl, {"print-disabled", domain()}));
+        std::vector<StartupItem> items;
+        addJobs(items, std::filesystem::path(environment("HOME")) / "Library/LaunchAgents",
+                StartupScope::userAgent, disabled);
+        addJobs(items, "/Library/LaunchAgents", StartupScope::systemAgent, disabled);
+        addJobs(items, "/Library/LaunchDaemons", StartupScope::systemDaemon, disabled);
+        addLoginItems(items, processes);
+        return items;
     }
 
     bool canChange(const StartupItem& item) const override {

@@ -36,7 +36,7 @@ void ProcessActions::fill(QMenu& menu, const ProcessGroup& group) {
     const auto add = [&](ProcessAction action, const std::string& title, auto perform) {
         QAction* entry = menu.addAction(qtText(title));
         entry->setEnabled(offers(action, group));
-        connect(entry, &QAction::triggered, this, [this, group, perform] { perform(group); });
+        connect(entry, &QAction::triggered, this, [group, perform] { perform(group); });
         return entry;
     };
     add(ProcessAction::quit, ActionText::quitTitle(group),

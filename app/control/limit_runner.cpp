@@ -1,8 +1,8 @@
 #include "app/control/limit_runner.h"
 
-#include "core/control/signals.h"
-
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 
 namespace loadwarden {
 
@@ -14,9 +14,9 @@ std::chrono::microseconds microseconds(Seconds seconds) {
 
 } // namespace
 
-LimitRunner::LimitRunner(std::vector<std::int32_t> pids, double limit,
+LimitRunner::LimitRunner(std::vector<ProcessHandle> processes, double limit,
                          std::optional<double> measured)
-    : limit_(limit), limiter_(limit, measured), pids_(std::move(pids)) {}
+    : limit_(limit), limiter_(limit, measured), processes_(std::move(processes)) {}
 
 LimitRunner::~LimitRunner() {
     if (thread_.joinable()) {
@@ -31,13 +31,23 @@ void LimitRunner::start() {
     });
 }
 
-void LimitRunner::update(std::vector<std::int32_t> pids, double measured) {
+void LimitRunner::update(std::vector<ProcessHandle> processes, double measured) {
     const std::lock_guard guard(lock_);
-    pids_ = std::move(pids);
+    for (ProcessHandle& held : processes_) {
+        const auto fresh =
+            std::find_if(processes.begin(), processes.end(),
+                         [&held](const ProcessHandle& each) { return each.pid() == held.pid(); });
+        if (fresh != processes.end()) {
+            *fresh = std::move(held);
+        } else {
+            held.send(SIGCONT);
+        }
+    }
+    processes_ = std::move(processes);
     limiter_.adjust(measured);
 }
 
-std::vector<std::int32_t> LimitRunner::stop() {
+std::vector<ProcessHandle> LimitRunner::stop() {
     {
         const std::lock_guard guard(lock_);
         running_ = false;
@@ -47,7 +57,7 @@ std::vector<std::int32_t> LimitRunner::stop() {
         thread_.join();
     }
     const std::lock_guard guard(lock_);
-    return pids_;
+    return std::move(processes_);
 }
 
 CPULimiter LimitRunner::limiter() const {
@@ -58,19 +68,14 @@ CPULimiter LimitRunner::limiter() const {
 void LimitRunner::run() {
     std::unique_lock guard(lock_);
     while (running_) {
-        const std::vector<std::int32_t> pids = pids_;
         const CPULimiter limiter = limiter_;
-        guard.unlock();
-        Signals::resume(pids);
-        guard.lock();
+        sendEach(SIGCONT, processes_);
         // Sleeps end early when the runner is stopped.
         if (wake_.wait_for(guard, microseconds(limiter.runTime()), [this] { return !running_; })) {
             break;
         }
         if (limiter.stopTime() > CPULimiter::shortestStop) {
-            guard.unlock();
-            Signals::pause(pids);
-            guard.lock();
+            sendEach(SIGSTOP, processes_);
             wake_.wait_for(guard, microseconds(limiter.stopTime()), [this] { return !running_; });
         }
     }

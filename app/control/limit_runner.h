@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/control/process_handle.h"
 #include "core/control/cpu_limiter.h"
 
 #include <condition_variable>
@@ -17,19 +18,21 @@ namespace loadwarden {
 class LimitRunner {
 public:
     // measured: the group's CPU percent now, if known.
-    LimitRunner(std::vector<std::int32_t> pids, double limit, std::optional<double> measured);
+    LimitRunner(std::vector<ProcessHandle> processes, double limit, std::optional<double> measured);
     ~LimitRunner(); // stops the thread if stop() was not called
     LimitRunner(const LimitRunner&) = delete;
     LimitRunner& operator=(const LimitRunner&) = delete;
 
     void start();
 
-    // New targets (helpers started since) and the group's measured CPU percent.
-    void update(std::vector<std::int32_t> pids, double measured);
+    // The group's processes now (helpers started since) and its measured CPU
+    // percent. Processes already held keep their handles for the life of the
+    // limit; any that left the group are continued and let go.
+    void update(std::vector<ProcessHandle> processes, double measured);
 
     // Ends the thread and waits for it, so that whatever it did last (a stop
-    // included) is done; the caller then continues the returned pids.
-    std::vector<std::int32_t> stop();
+    // included) is done; the caller then continues the returned processes.
+    std::vector<ProcessHandle> stop();
 
     double limit() const { return limit_; }
     CPULimiter limiter() const;
@@ -41,7 +44,7 @@ private:
     mutable std::mutex lock_;
     std::condition_variable wake_;
     CPULimiter limiter_;
-    std::vector<std::int32_t> pids_;
+    std::vector<ProcessHandle> processes_;
     bool running_ = true;
     std::thread thread_;
 };

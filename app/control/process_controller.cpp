@@ -1,9 +1,9 @@
 #include "app/control/process_controller.h"
 
 #include "core/control/process_policy.h"
-#include "core/control/signals.h"
 
 #include <algorithm>
+#include <csignal>
 
 namespace loadwarden {
 
@@ -15,8 +15,19 @@ ProcessController::~ProcessController() {
     resumeEverything();
 }
 
-std::vector<std::int32_t> ProcessController::targets(const ProcessGroup& group) const {
-    return ProcessPolicy::signalTargets(group, myPID_);
+std::vector<ProcessHandle> ProcessController::targets(const ProcessGroup& group) const {
+    std::vector<ProcessHandle> handles;
+    for (const std::int32_t pid : ProcessPolicy::signalTargets(group, myPID_)) {
+        const auto member =
+            std::find_if(group.members.begin(), group.members.end(),
+                         [pid](const LiveProcess& each) { return each.record.pid == pid; });
+        const Date started =
+            member != group.members.end() ? member->record.started : group.leader.record.started;
+        if (auto handle = ProcessHandle::open(pid, started)) {
+            handles.push_back(std::move(*handle));
+        }
+    }
+    return handles;
 }
 
 ProcessController::Result ProcessController::quit(const ProcessGroup& group) {
@@ -28,15 +39,18 @@ ProcessController::Result ProcessController::quit(const ProcessGroup& group) {
     const auto all = targets(group);
     if (applications_->isRegularApp(leader)) {
         // A stopped app cannot answer the request to quit.
-        Signals::resume(all);
-        ledger_.forget(all);
+        sendEach(SIGCONT, all);
+        ledger_.forget(pidsOf(all));
         applications_->terminate(leader);
         return Result::done;
     }
     // Only the leader is ended; the rest of the group is the leader's to end.
-    if (std::find(all.begin(), all.end(), leader) != all.end()) {
-        Signals::resume({leader});
-        Signals::terminate({leader});
+    const auto held = std::find_if(all.begin(), all.end(), [leader](const ProcessHandle& each) {
+        return each.pid() == leader;
+    });
+    if (held != all.end()) {
+        held->send(SIGCONT);
+        held->send(SIGTERM);
     }
     return Result::done;
 }
@@ -48,9 +62,9 @@ ProcessController::Result ProcessController::forceQuit(const ProcessGroup& group
     removeLimit(group.id);
     const auto all = targets(group);
     if (!applications_->forceTerminate(group.leader.record.pid)) {
-        Signals::kill(all);
+        sendEach(SIGKILL, all);
     }
-    ledger_.forget(all);
+    ledger_.forget(pidsOf(all));
     return Result::done;
 }
 
@@ -61,10 +75,10 @@ ProcessController::Result ProcessController::pause(const ProcessGroup& group) {
     removeLimit(group.id);
     const auto all = targets(group);
     // Recorded first: a crash between the two must never leave an unrecorded stop.
-    if (!ledger_.record(all)) {
+    if (!ledger_.record(pidsOf(all))) {
         return Result::notRecorded;
     }
-    Signals::pause(all);
+    sendEach(SIGSTOP, all);
     return Result::done;
 }
 
@@ -74,8 +88,8 @@ ProcessController::Result ProcessController::resume(const ProcessGroup& group) {
     }
     removeLimit(group.id);
     const auto all = targets(group);
-    Signals::resume(all);
-    ledger_.forget(all);
+    sendEach(SIGCONT, all);
+    ledger_.forget(pidsOf(all));
     return Result::done;
 }
 
@@ -89,7 +103,7 @@ ProcessController::Result ProcessController::limit(const ProcessGroup& group, do
         return Result::done;
     }
     // The limit stops them many times a second; a crash must not leave them so.
-    if (!ledger_.record(all)) {
+    if (!ledger_.record(pidsOf(all))) {
         return Result::notRecorded;
     }
     auto runner = std::make_unique<LimitRunner>(std::move(all), percent, group.totalCPU());
@@ -106,9 +120,9 @@ void ProcessController::removeLimit(const std::string& groupID) {
     const std::unique_ptr<LimitRunner> runner = std::move(found->second);
     limiters_.erase(found);
     // stop() waits for the thread's last period, a last stop included.
-    const auto pids = runner->stop();
-    Signals::resume(pids);
-    ledger_.forget(pids);
+    const auto held = runner->stop();
+    sendEach(SIGCONT, held);
+    ledger_.forget(pidsOf(held));
 }
 
 void ProcessController::updateLimits(const std::vector<ProcessGroup>& groups) {
@@ -122,7 +136,7 @@ void ProcessController::updateLimits(const std::vector<ProcessGroup>& groups) {
         }
         auto all = targets(*group);
         // Helpers started since the limit began are recorded before they are stopped.
-        if (ledger_.record(all)) {
+        if (ledger_.record(pidsOf(all))) {
             runner->update(std::move(all), group->totalCPU());
         }
     }
@@ -155,8 +169,7 @@ void ProcessController::resumeEverything() {
     while (!limiters_.empty()) {
         removeLimit(limiters_.begin()->first);
     }
-    const auto pids = ledger_.livePids();
-    Signals::resume(pids);
+    sendEach(SIGCONT, ledger_.liveProcesses());
     std::vector<std::int32_t> everything;
     for (const auto& entry : ledger_.mine().entries) {
         everything.push_back(entry.pid);

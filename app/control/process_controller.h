@@ -2,6 +2,7 @@
 
 #include "app/control/applications.h"
 #include "app/control/limit_runner.h"
+#include "app/control/process_handle.h"
 #include "app/control/shared_ledger.h"
 #include "core/grouping/process_group.h"
 
@@ -54,7 +55,9 @@ public:
     const SharedLedger& ledger() const { return ledger_; }
 
 private:
-    std::vector<std::int32_t> targets(const ProcessGroup& group) const;
+    // The processes of the group that the policy lets this copy signal, held
+    // as the ones the sample read: a pid taken over since is left alone.
+    std::vector<ProcessHandle> targets(const ProcessGroup& group) const;
 
     SharedLedger ledger_;
     std::unique_ptr<Applications> applications_;

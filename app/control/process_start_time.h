@@ -14,4 +14,9 @@ namespace loadwarden {
 // count, which no change of the wall clock can move.
 std::optional<Date> processStartTime(std::int32_t pid);
 
+// When a process started, dated as a sample dates it (`ProcessRecord::started`),
+// so that the process a sample read can be told from a later one with its
+// pid. Nothing when the process is gone.
+std::optional<Date> processStartDate(std::int32_t pid);
+
 } // namespace loadwarden

@@ -2,8 +2,8 @@
 
 #include "app/control/file_lock.h"
 #include "app/control/process_start_time.h"
-#include "core/control/signals.h"
 
+#include <csignal>
 #include <unistd.h>
 
 namespace loadwarden {
@@ -14,6 +14,18 @@ constexpr char ledgerKey[] = "pausedLedger";
 
 PausedLedger storedLedger(const DefaultsStore& store) {
     return PausedLedger::decoded(store.read(ledgerKey).value_or(""));
+}
+
+// The entries' processes that are still the ones recorded.
+std::vector<ProcessHandle> heldProcesses(const PausedLedger& ledger,
+                                         const PausedLedger::StartTime& startTime) {
+    std::vector<ProcessHandle> processes;
+    for (const auto& entry : ledger.entries) {
+        if (auto process = ProcessHandle::open(entry.pid, entry.started, startTime)) {
+            processes.push_back(std::move(*process));
+        }
+    }
+    return processes;
 }
 
 } // namespace
@@ -39,21 +51,21 @@ bool SharedLedger::forget(const std::vector<std::int32_t>& pids) {
     return save(std::move(changed));
 }
 
-std::vector<std::int32_t> SharedLedger::livePids() const {
-    return mine_.livePids(startTime_);
+std::vector<ProcessHandle> SharedLedger::liveProcesses() const {
+    return heldProcesses(mine_, startTime_);
 }
 
 std::vector<std::int32_t> SharedLedger::releaseOrphans() {
     const FileLock lock(lockPath());
     PausedLedger stored = storedLedger(store_);
     const PausedLedger orphans = stored.orphans(startTime_);
-    const auto pids = orphans.livePids(startTime_);
-    Signals::resume(pids);
+    const auto processes = heldProcesses(orphans, startTime_);
+    sendEach(SIGCONT, processes);
     for (const auto& entry : orphans.entries) {
         stored.entries.erase(entry);
     }
     store_.write(ledgerKey, stored.encoded()); // continuing was safe whether or not this lands
-    return pids;
+    return pidsOf(processes);
 }
 
 bool SharedLedger::save(PausedLedger changed) {

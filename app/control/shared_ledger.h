@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/control/defaults_store.h"
+#include "app/control/process_handle.h"
 #include "core/control/paused_ledger.h"
 
 #include <cstdint>
@@ -22,8 +23,8 @@ public:
     bool record(const std::vector<std::int32_t>& pids);
     // After the processes were continued.
     bool forget(const std::vector<std::int32_t>& pids);
-    // This copy's entries that are still the same processes, ascending.
-    std::vector<std::int32_t> livePids() const;
+    // This copy's entries that are still the same processes, held so.
+    std::vector<ProcessHandle> liveProcesses() const;
 
     // At start: continues what copies that are no longer running left
     // stopped, and drops their entries; the pids it continued. Processes

@@ -2,26 +2,18 @@
 
 #include <cerrno>
 #include <csignal>
+#ifdef __linux__
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
 
 namespace loadwarden::Signals {
 
 namespace {
 
-Outcomes sendEach(int signal, const std::vector<std::int32_t>& pids) {
-    Outcomes outcomes;
-    for (const std::int32_t pid : pids) {
-        outcomes.insert_or_assign(pid, send(signal, pid));
-    }
-    return outcomes;
-}
-
-} // namespace
-
-Outcome send(int signal, std::int32_t pid) {
-    if (pid < 2) {
-        return {.kind = Outcome::Kind::notPermitted};
-    }
-    if (::kill(pid, signal) == 0) {
+// What the call that returned `result` did, from errno when it failed.
+Outcome outcomeOf(long result) {
+    if (result == 0) {
         return {.kind = Outcome::Kind::done};
     }
     switch (errno) {
@@ -34,20 +26,26 @@ Outcome send(int signal, std::int32_t pid) {
     }
 }
 
-Outcomes pause(const std::vector<std::int32_t>& pids) {
-    return sendEach(SIGSTOP, pids);
+} // namespace
+
+Outcome send(int signal, std::int32_t pid) {
+    if (pid < 2) {
+        return {.kind = Outcome::Kind::notPermitted};
+    }
+    return outcomeOf(::kill(pid, signal));
 }
 
-Outcomes resume(const std::vector<std::int32_t>& pids) {
-    return sendEach(SIGCONT, pids);
-}
-
-Outcomes terminate(const std::vector<std::int32_t>& pids) {
-    return sendEach(SIGTERM, pids);
-}
-
-Outcomes kill(const std::vector<std::int32_t>& pids) {
-    return sendEach(SIGKILL, pids);
+Outcome sendThrough(int signal, int processDescriptor, std::int32_t pid) {
+    if (pid < 2) {
+        return {.kind = Outcome::Kind::notPermitted};
+    }
+#ifdef __linux__
+    return outcomeOf(syscall(SYS_pidfd_send_signal, processDescriptor, signal, nullptr, 0));
+#else
+    (void)signal;
+    (void)processDescriptor;
+    return {.kind = Outcome::Kind::failed, .error = ENOSYS};
+#endif
 }
 
 } // namespace loadwarden::Signals

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
-#include <vector>
 
 namespace loadwarden {
 
@@ -18,15 +16,12 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-using Outcomes = std::map<std::int32_t, Outcome>;
-
 Outcome send(int signal, std::int32_t pid);
 
-// Each pid in order; callers may ignore the outcomes, nothing is retried.
-Outcomes pause(const std::vector<std::int32_t>& pids);
-Outcomes resume(const std::vector<std::int32_t>& pids);
-Outcomes terminate(const std::vector<std::int32_t>& pids);
-Outcomes kill(const std::vector<std::int32_t>& pids);
+// Through a process descriptor (Linux): reaches the process it was opened on,
+// or none once that one has ended, whatever took its pid since. `pid` is the
+// one it was opened on, refused below 2 like any other.
+Outcome sendThrough(int signal, int processDescriptor, std::int32_t pid);
 
 } // namespace Signals
 

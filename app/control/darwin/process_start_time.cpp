@@ -14,4 +14,9 @@ std::optional<Date> processStartTime(std::int32_t pid) {
            static_cast<double>(info.pbi_start_tvusec) / 1'000'000.0;
 }
 
+// The sampler dates a process by its BSD start time too.
+std::optional<Date> processStartDate(std::int32_t pid) {
+    return processStartTime(pid);
+}
+
 } // namespace loadwarden

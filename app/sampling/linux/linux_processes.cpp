@@ -1,13 +1,13 @@
 #include "app/sampling/linux/linux_processes.h"
 
 #include "app/foundation/clock.h"
+#include "app/foundation/linux/start_date.h"
 #include "app/sampling/linux/kernel_files.h"
 #include "core/foundation/checked_arithmetic.h"
 #include "core/grouping/linux/app_identity.h"
 #include "core/measurement/linux/process_files.h"
 
 #include <algorithm>
-#include <cmath>
 #include <ctime>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -17,19 +17,6 @@ namespace loadwarden {
 namespace {
 
 constexpr std::size_t elfHeaderBytes = 20;
-
-// The wall-clock date of boot, fixed once so that start times computed from
-// it never drift between ticks: a process is known by its exact start time.
-Date bootDate() {
-    timespec sinceBoot{};
-    clock_gettime(CLOCK_BOOTTIME, &sinceBoot);
-    return currentDate() -
-           (static_cast<double>(sinceBoot.tv_sec) + static_cast<double>(sinceBoot.tv_nsec) / 1e9);
-}
-
-Date roundedToMicroseconds(Date date) {
-    return std::round(date * 1e6) / 1e6;
-}
 
 // Two files per process stay open between ticks. The soft limit on open
 // files is raised to the hard one for them; what is left after a reserve for
@@ -52,7 +39,7 @@ std::size_t processesWithOpenFiles() {
 } // namespace
 
 LinuxProcesses::LinuxProcesses()
-    : bootTime_(bootDate()), ticksPerSecond_(static_cast<double>(sysconf(_SC_CLK_TCK))),
+    : ticksPerSecond_(static_cast<double>(sysconf(_SC_CLK_TCK))),
       pageSize_(static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE))),
       keepLimit_(processesWithOpenFiles()) {}
 
@@ -97,8 +84,7 @@ std::optional<ProcessReading> LinuxProcesses::readOne(int pid, OpenFiles& files,
     record.pid = pid;
     record.ppid = stat->ppid;
     record.uid = *uid;
-    record.started =
-        roundedToMicroseconds(bootTime_ + static_cast<double>(stat->startTicks) / ticksPerSecond_);
+    record.started = startDateFromTicks(stat->startTicks);
     record.cpuTimeNs = cpuTimeNs(pid, checkedAdd(stat->userTicks, stat->systemTicks));
     reading.readAt = monotonicSeconds();
     record.memoryBytes = checkedMultiply(stat->residentPages, pageSize_);

@@ -29,7 +29,6 @@ private:
     std::optional<ProcessReading> readOne(int pid, OpenFiles& files, bool keep);
     std::uint64_t cpuTimeNs(int pid, std::uint64_t ticks) const;
 
-    Date bootTime_;
     double ticksPerSecond_;
     std::uint64_t pageSize_;
     std::size_t keepLimit_; // processes whose files may stay open

@@ -1,5 +1,6 @@
 // The controller on real child processes, their states read from /proc.
 #include "app/control/process_controller.h"
+#include "app/control/process_start_time.h"
 #include "tests/core/grouping/process_fixtures.h"
 #include "tests/support/spinning_children.h"
 
@@ -37,6 +38,7 @@ ProcessGroup groupOfChildren(const std::vector<pid_t>& pids, GroupKind kind) {
     std::vector<LiveProcess> members;
     for (const auto pid : pids) {
         members.push_back(process(pid, "child"));
+        members.back().record.started = processStartDate(pid).value_or(0.0);
     }
     return groupOf(std::move(members), kind);
 }

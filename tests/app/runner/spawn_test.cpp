@@ -76,6 +76,29 @@ TEST(SpawnRun, LeavesNoDescriptorOrUnreapedChildOnAnyPath) {
     EXPECT_EQ(errno, ECHILD);
 }
 
+// Over months the program runs a tool many thousands of times: each run,
+// killed or not, must give back everything it took.
+TEST(SpawnRun, TenThousandRunsSomeKilledLeaveNoDescriptorOrZombie) {
+    const std::size_t before = openDescriptorCount();
+    int killed = 0;
+    for (int run = 0; run < 10'000; ++run) {
+        if (run % 500 == 0) {
+            const auto result = Spawn::run("/bin/sleep", {"30"}, 0.01, std::nullopt);
+            killed += result && result->stopped ? 1 : 0;
+            continue;
+        }
+        // With a limit the run has a watchdog thread; without one it has none.
+        const auto limit = run % 2 == 0 ? std::optional(10.0) : std::nullopt;
+        const auto result = Spawn::run("/bin/true", {}, limit, limit);
+        ASSERT_TRUE(result && result->exitCode == 0) << "run " << run;
+    }
+    EXPECT_EQ(killed, 20);
+    EXPECT_EQ(openDescriptorCount(), before);
+    errno = 0;
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
 TEST(SpawnWatchdog, TimeOutKillsAChildThatNeverExitsWithOrWithoutACPUCap) {
     // An idle child never reaches the cap; the time-out still ends it.
     for (const auto cap : {std::optional<double>(), std::optional<double>(60.0)}) {

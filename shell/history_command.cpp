@@ -14,15 +14,17 @@ namespace loadwarden {
 int runHistoryCommand(const std::vector<std::string>& arguments, std::ostream& out,
                       std::ostream& err) {
     return runCommand("history", historyUsage, parseHistoryOptions(arguments), out, err,
-                      [&out](const HistoryOptions& options) {
+                      [&out, &err](const HistoryOptions& options) {
                           const Date now = currentDate();
                           const Calendar calendar = localCalendar();
+                          const auto history = HistoryFile().load(now, calendar);
+                          if (history.note) {
+                              err << "loadwarden history: " << *history.note << '\n';
+                          }
                           // Only what was recorded; this program never records itself.
                           const HistoryReport report{
                               .range = options.range,
-                              .apps = HistoryFile()
-                                          .load(now, calendar)
-                                          .summary(dayCount(options.range), now, calendar),
+                              .apps = history.value.summary(dayCount(options.range), now, calendar),
                               .home = QDir::homePath().toStdString()};
                           if (options.json) {
                               printHistoryJSON(report, out);

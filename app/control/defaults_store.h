@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/foundation/clock.h"
+
 #include <optional>
 #include <string>
 
@@ -14,18 +16,26 @@ class DefaultsStore {
 public:
     // The program's own defaults.
     DefaultsStore() = default;
-    // Defaults kept in a file of their own, in the same format.
-    explicit DefaultsStore(std::string path) : path_(std::move(path)) {}
+    // Defaults kept in a file of their own, in the same format; `clock`
+    // dates what is kept aside.
+    explicit DefaultsStore(std::string path, Clock clock = currentDate)
+        : path_(std::move(path)), clock_(std::move(clock)) {}
 
     std::optional<std::string> read(const std::string& key) const;
     // True once the value is on disk; false when it could not be written.
     bool write(const std::string& key, const std::string& value) const;
+
+    // Moves the value under `key`, which its reader could not decode, to its
+    // dated key (`KeptAside`) in one write, removing the oldest such copies;
+    // the key it now has, or nothing when that could not be written.
+    std::optional<std::string> keepAside(const std::string& key) const;
 
     // The file behind the defaults, for a lock beside it.
     std::string path() const;
 
 private:
     std::optional<std::string> path_;
+    Clock clock_ = currentDate;
 };
 
 } // namespace loadwarden

@@ -12,8 +12,18 @@ namespace {
 
 constexpr char ledgerKey[] = "pausedLedger";
 
+// A stored value that does not decode is kept aside before anything
+// replaces it: it may name processes still stopped.
 PausedLedger storedLedger(const DefaultsStore& store) {
-    return PausedLedger::decoded(store.read(ledgerKey).value_or(""));
+    const auto stored = store.read(ledgerKey);
+    if (!stored) {
+        return {};
+    }
+    if (auto ledger = PausedLedger::parsed(*stored)) {
+        return *std::move(ledger);
+    }
+    store.keepAside(ledgerKey);
+    return {};
 }
 
 // The entries' processes that are still the ones recorded.

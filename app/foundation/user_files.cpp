@@ -1,5 +1,7 @@
 #include "app/foundation/user_files.h"
 
+#include "core/foundation/kept_aside.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -7,6 +9,7 @@
 #include <fstream>
 #include <sstream>
 #include <system_error>
+#include <vector>
 
 namespace loadwarden {
 
@@ -49,6 +52,24 @@ std::optional<std::string> replaceFile(const std::filesystem::path& path, std::s
         return file.errorString().toStdString();
     }
     return std::nullopt;
+}
+
+std::optional<std::filesystem::path> keepAside(const std::filesystem::path& file, Date date) {
+    const std::filesystem::path folder = file.parent_path();
+    std::vector<std::string> names;
+    for (const auto& [name, path] : filesIn(folder, "")) {
+        names.push_back(name);
+    }
+    const KeptAside::Plan plan = KeptAside::file(file.filename().string()).plan(date, names);
+    std::error_code error;
+    std::filesystem::rename(file, folder / plan.name, error);
+    if (error) {
+        return std::nullopt;
+    }
+    for (const std::string& name : plan.dropped) {
+        std::filesystem::remove(folder / name, error);
+    }
+    return folder / plan.name;
 }
 
 std::string_view environment(const char* name) {

@@ -3,6 +3,8 @@
 #include "app/foundation/user_files.h"
 
 #include <QStandardPaths>
+#include <filesystem>
+#include <system_error>
 
 namespace loadwarden {
 
@@ -11,14 +13,22 @@ HistoryFile::HistoryFile()
                 .append("/Loadwarden/history.json")
                 .toStdString()) {}
 
-UsageHistory HistoryFile::load(Date now, const Calendar& calendar) const {
-    const auto text = fileText(path_);
-    if (!text) {
+Loaded<UsageHistory> HistoryFile::load(Date now, const Calendar& calendar) const {
+    std::error_code error;
+    if (!std::filesystem::exists(path_, error)) {
         return {};
     }
-    UsageHistory history = decodeHistory(*text).value_or(UsageHistory{});
-    history.prune(now, UsageHistory::keptDays, calendar);
-    return history;
+    auto history = decodeHistory(fileText(path_).value_or(""));
+    if (!history) {
+        // Were it not moved, its folder takes no new file either, so no save
+        // overwrites it.
+        const auto kept = keepAside(path_, now);
+        return {.value = {},
+                .note = "App history couldn’t be read, so it starts empty" +
+                        (kept ? "; the unreadable file is kept as " + kept->string() : "") + "."};
+    }
+    history->prune(now, UsageHistory::keptDays, calendar);
+    return {.value = *std::move(history)};
 }
 
 std::optional<std::string> HistoryFile::save(const UsageHistory& history) const {

@@ -32,6 +32,17 @@ double energyWatts(const std::vector<LiveProcess>& processes) {
     return watts;
 }
 
+// What the stores had to say at start, as one text.
+std::string startNotes(const std::vector<std::optional<std::string>>& notes) {
+    std::string text;
+    for (const auto& note : notes) {
+        if (note) {
+            text += (text.empty() ? "" : " ") + *note;
+        }
+    }
+    return text;
+}
+
 // True when the value changed.
 template <typename Value, typename Signal>
 bool assignIfChanged(AppModel* model, Value& field, Value value, Signal changed) {
@@ -68,11 +79,16 @@ AppModel::AppModel(Parts parts, QObject* parent)
       settingsStore_(std::move(parts.settings)), historyFile_(std::move(parts.historyFile)),
       clock_(std::move(parts.clock)), calendar_(std::move(parts.calendar)),
       scheduler_(parts.scheduler ? std::move(parts.scheduler) : eventLoopScheduler(this)),
-      myPID_(parts.myPID), intervalOverride_(parts.interval), settings_(settingsStore_.load()) {
+      myPID_(parts.myPID), intervalOverride_(parts.interval) {
+    auto settings = settingsStore_.load();
+    settings_ = settings.value;
     alertEngine_.settings = settings_.alerts;
     const Date now = clock_();
-    history_ = historyFile_.load(now, calendar_);
+    auto history = historyFile_.load(now, calendar_);
+    history_ = std::move(history.value);
     lastHistorySave_ = now;
+    // Told once: the next problem takes its place.
+    problem_ = QString::fromStdString(startNotes({settings.note, history.note}));
 }
 
 AppModel::~AppModel() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/control/defaults_store.h"
+#include "app/foundation/loaded.h"
 #include "core/model/app_settings.h"
 
 namespace loadwarden {
@@ -11,8 +12,9 @@ class SettingsStore {
 public:
     explicit SettingsStore(DefaultsStore defaults = {}) : defaults_(std::move(defaults)) {}
 
-    // The defaults when nothing is stored or what is stored does not decode.
-    AppSettings load() const;
+    // The defaults when nothing is stored or what is stored does not decode;
+    // such a value is kept aside first, and the note says where.
+    Loaded<AppSettings> load() const;
     // False when the value could not be written.
     bool save(const AppSettings& settings) const;
 

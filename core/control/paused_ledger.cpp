@@ -89,6 +89,10 @@ std::string PausedLedger::encoded() const {
 }
 
 PausedLedger PausedLedger::decoded(const std::string& data) {
+    return parsed(data).value_or(PausedLedger{});
+}
+
+std::optional<PausedLedger> PausedLedger::parsed(const std::string& data) {
     PausedLedger ledger;
     try {
         const auto json = nlohmann::json::parse(data);
@@ -102,7 +106,7 @@ PausedLedger PausedLedger::decoded(const std::string& data) {
             ledger.entries.insert(entry);
         }
     } catch (const nlohmann::json::exception&) {
-        return {};
+        return std::nullopt;
     }
     return ledger;
 }

@@ -75,6 +75,8 @@ struct PausedLedger {
     std::string encoded() const;
     // Missing or undecodable data gives an empty ledger.
     static PausedLedger decoded(const std::string& data);
+    // Nothing when the data does not decode.
+    static std::optional<PausedLedger> parsed(const std::string& data);
 };
 
 } // namespace loadwarden

@@ -13,14 +13,11 @@ std::string encodeSettings(const AppSettings& settings) {
     return nlohmann::json(settings).dump();
 }
 
-AppSettings decodeSettings(const std::optional<std::string>& stored) {
-    if (!stored) {
-        return {};
-    }
+std::optional<AppSettings> decodeSettings(std::string_view stored) {
     try {
-        return nlohmann::json::parse(*stored).get<AppSettings>();
+        return nlohmann::json::parse(stored).get<AppSettings>();
     } catch (const nlohmann::json::exception&) {
-        return {};
+        return std::nullopt;
     }
 }
 

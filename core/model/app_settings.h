@@ -29,8 +29,8 @@ struct AppSettings {
 
 std::string encodeSettings(const AppSettings& settings);
 
-// All or nothing: a stored value that lacks a field or holds one of the wrong
-// type gives the defaults, as does no value at all.
-AppSettings decodeSettings(const std::optional<std::string>& stored);
+// All or nothing: nothing when the stored value lacks a field or holds one of
+// the wrong type.
+std::optional<AppSettings> decodeSettings(std::string_view stored);
 
 } // namespace loadwarden

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -37,18 +38,47 @@ UsageHistory fullHistory(double cpuPercent) {
 TEST(HistoryFileTest, SavesInItsOwnFolderAndLoadsBackPruned) {
     QTemporaryDir folder;
     const HistoryFile file(folder.filePath("Loadwarden/history.json").toStdString());
-    EXPECT_EQ(file.load(now, utc), UsageHistory{}); // no file yet
+    EXPECT_EQ(file.load(now, utc).value, UsageHistory{}); // no file yet
 
     UsageHistory history = fullHistory(50.0);
     history.record({{.key = "app:/Old.app", .name = "Old", .cpuPercent = 1}}, now - 40 * 86400.0,
                    utc, 1.0);
     ASSERT_EQ(file.save(history), std::nullopt);
-    const UsageHistory loaded = file.load(now, utc);
-    EXPECT_EQ(loaded.days.size(), 35u);
-    EXPECT_FALSE(loaded.days.contains(utc.dayKey(now - 40 * 86400.0)));
+    const auto loaded = file.load(now, utc);
+    EXPECT_EQ(loaded.value.days.size(), 35u);
+    EXPECT_FALSE(loaded.value.days.contains(utc.dayKey(now - 40 * 86400.0)));
+    EXPECT_EQ(loaded.note, std::nullopt);
+}
 
-    std::ofstream(file.path()) << R"({"days":{},"version":2})";
-    EXPECT_EQ(file.load(now, utc), UsageHistory{});
+TEST(HistoryFileTest, AnUnreadableFileIsKeptAsideAndOnlyTheNewestThreeCopiesStay) {
+    QTemporaryDir root;
+    const std::filesystem::path folder = root.filePath("Loadwarden").toStdString();
+    const HistoryFile file((folder / "history.json").string());
+    std::filesystem::create_directories(folder);
+    const std::string whole = encodeHistory(fullHistory(10.0));
+    // Garbage, a newer version, a file cut short, and two found in the same second.
+    const std::vector<std::pair<Date, std::string>> unreadable{
+        {now, "\x7fgarbage"},
+        {now + 3600.0, R"({"days":{},"version":2})"},
+        {now + 7200.0, whole.substr(0, whole.size() / 2)},
+        {now + 7200.0, ""}};
+    for (const auto& [date, text] : unreadable) {
+        std::ofstream(file.path()) << text;
+        const auto loaded = file.load(date, utc);
+        EXPECT_EQ(loaded.value, UsageHistory{});
+        EXPECT_FALSE(std::filesystem::exists(file.path()));
+        ASSERT_TRUE(loaded.note);
+        EXPECT_THAT(*loaded.note, testing::StartsWith("App history couldn’t be read"));
+    }
+    ASSERT_EQ(filesIn(folder, "").size(), 3u);
+    EXPECT_EQ(fileText(folder / "history-2027-01-15T090000Z.json"), unreadable[1].second);
+    EXPECT_EQ(fileText(folder / "history-2027-01-15T100000Z.json"), unreadable[2].second);
+    EXPECT_EQ(fileText(folder / "history-2027-01-15T100000Z-2.json"), unreadable[3].second);
+
+    // The next save writes a new file beside them.
+    ASSERT_EQ(file.save(fullHistory(20.0)), std::nullopt);
+    EXPECT_EQ(filesIn(folder, "").size(), 4u);
+    EXPECT_EQ(file.load(now, utc).note, std::nullopt);
 }
 
 // What a save changes in the history's folder: the files in it (a temporary

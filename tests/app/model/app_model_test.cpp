@@ -1,5 +1,6 @@
 #include "app/alerts/linux/freedesktop_notifier.h"
 #include "app/control/applications.h"
+#include "app/foundation/user_files.h"
 #include "app/model/app_model.h"
 #include "core/diagnosis/alert_text.h"
 #include "tests/support/event_loop.h"
@@ -9,6 +10,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -16,7 +18,7 @@ namespace loadwarden {
 
 namespace {
 
-constexpr Date start = 1'800'000'000.0;
+constexpr Date start = 1'800'000'000.0; // 2027-01-15 08:00:00 UTC
 
 // Hands out what the test scripts: each full sample carries the processes
 // and cores set at that moment, dated by the test's clock.
@@ -111,7 +113,8 @@ protected:
         model.reset();
         auto scripted = std::make_unique<ScriptedSampler>(now);
         sampler = scripted.get();
-        const DefaultsStore defaults(folder.filePath("defaults.conf").toStdString());
+        const DefaultsStore defaults(folder.filePath("defaults.conf").toStdString(),
+                                     [this] { return now; });
         model = std::make_unique<AppModel>(AppModel::Parts{
             .sampler = std::move(scripted),
             .controller = std::make_unique<ProcessController>(SharedLedger(defaults),
@@ -284,6 +287,38 @@ TEST_F(AppModelTest, AFailedSaveBecomesTheProblemAndKeepsTheHistory) {
     EXPECT_NEAR(model->historySummary()[0].totals.cpuSeconds, 302.0, 1e-6);
 }
 
+TEST_F(AppModelTest, AStartKeepsAsideWhatItCannotReadAndBeginsFromTheDefaults) {
+    const DefaultsStore defaults(folder.filePath("defaults.conf").toStdString());
+    ASSERT_TRUE(defaults.write("settings", R"({"interval":5.0})"));
+    ASSERT_TRUE(defaults.write("pausedLedger", R"({"entries":[{"pid":4100,"sta)"));
+    std::filesystem::create_directories(std::filesystem::path(historyPath).parent_path());
+    std::ofstream(historyPath) << R"({"days":{},"version":2})";
+
+    // As the program starts: the ledger's orphans first, then the model.
+    SharedLedger(DefaultsStore(defaults.path(), [this] { return now; })).releaseOrphans();
+    make();
+    EXPECT_EQ(model->settings(), AppSettings{});
+    EXPECT_EQ(model->history(), UsageHistory{});
+    EXPECT_EQ(defaults.read("settings.unreadable-2027-01-15T080000Z"), R"({"interval":5.0})");
+    EXPECT_EQ(defaults.read("settings"), std::nullopt);
+    EXPECT_EQ(defaults.read("pausedLedger.unreadable-2027-01-15T080000Z"),
+              R"({"entries":[{"pid":4100,"sta)");
+    const std::string keptHistory =
+        folder.filePath("data/history-2027-01-15T080000Z.json").toStdString();
+    EXPECT_EQ(fileText(keptHistory), R"({"days":{},"version":2})");
+    EXPECT_EQ(model->problem().toStdString(),
+              "Settings couldn’t be read, so they are back to their defaults; the unreadable "
+              "value is kept as settings.unreadable-2027-01-15T080000Z in " +
+                  defaults.path() +
+                  ". App history couldn’t be read, so it starts empty; the unreadable file is "
+                  "kept as " +
+                  keptHistory + ".");
+
+    // Told once: the next start finds nothing it cannot read.
+    make();
+    EXPECT_EQ(model->problem(), "");
+}
+
 TEST_F(AppModelTest, SettingsAreSavedWholeAtOnceAndRuleTheAlertsPostedOncePerCooldown) {
     support::NotificationServer server;
     ASSERT_TRUE(server.isRegistered());
@@ -291,8 +326,9 @@ TEST_F(AppModelTest, SettingsAreSavedWholeAtOnceAndRuleTheAlertsPostedOncePerCoo
     settings.alerts.hotMinutes = 1;
     settings.alerts.repeatMinutes = 2;
     model->setSettings(settings);
-    EXPECT_EQ(SettingsStore(DefaultsStore(folder.filePath("defaults.conf").toStdString())).load(),
-              settings);
+    EXPECT_EQ(
+        SettingsStore(DefaultsStore(folder.filePath("defaults.conf").toStdString())).load().value,
+        settings);
 
     model->setWindowVisible(true);
     sampler->processes = {busyProcess(4100, "encoder", 90.0), busyProcess(4200, "idle", 1.0)};

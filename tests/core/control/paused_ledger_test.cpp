@@ -86,6 +86,7 @@ TEST(PausedLedger, StoredAsJSONAndAnythingElseIsEmpty) {
 
     for (const char* foreign : {"", "{}", "not json", R"({"entries":[{"pid":"x"}]})", "[1,2]"}) {
         EXPECT_THAT(PausedLedger::decoded(foreign).entries, IsEmpty()) << foreign;
+        EXPECT_EQ(PausedLedger::parsed(foreign), std::nullopt) << foreign;
     }
     EXPECT_EQ(PausedLedger{}.encoded(), R"({"entries":[]})");
 }

@@ -28,26 +28,24 @@ SystemSample sampleAt(std::vector<double> cores) {
 
 } // namespace
 
-TEST(AppSettingsTest, FirstStartAndDamagedValuesGiveTheDefaults) {
-    EXPECT_EQ(decodeSettings(std::nullopt), AppSettings{});
-
+TEST(AppSettingsTest, DamagedValuesDoNotDecode) {
     AppSettings changed;
     changed.interval = 5.0;
     changed.onboardingDone = true;
     changed.alerts.hotPercent = 150;
     EXPECT_EQ(decodeSettings(encodeSettings(changed)), changed);
 
-    // All or nothing: one missing or mistyped key and every field is the default.
+    // All or nothing: one missing or mistyped key and nothing decodes.
     auto json = nlohmann::json::parse(encodeSettings(changed));
     json.erase("hotKey");
-    EXPECT_EQ(decodeSettings(json.dump()), AppSettings{});
+    EXPECT_EQ(decodeSettings(json.dump()), std::nullopt);
     json = nlohmann::json::parse(encodeSettings(changed));
     json["alerts"].erase("repeatMinutes");
-    EXPECT_EQ(decodeSettings(json.dump()), AppSettings{});
+    EXPECT_EQ(decodeSettings(json.dump()), std::nullopt);
     json = nlohmann::json::parse(encodeSettings(changed));
     json["interval"] = "5";
-    EXPECT_EQ(decodeSettings(json.dump()), AppSettings{});
-    EXPECT_EQ(decodeSettings("{not json"), AppSettings{});
+    EXPECT_EQ(decodeSettings(json.dump()), std::nullopt);
+    EXPECT_EQ(decodeSettings("{not json"), std::nullopt);
 }
 
 TEST(GraphsTest, RecordsEveryFigureAndStartsCoresAfreshWhenTheirNumberChanges) {

@@ -110,7 +110,7 @@ TEST_F(MainWindowTest, TheMeterAndTheSettingsFollowTheModel) {
     ASSERT_NE(meterBox, nullptr);
     meterBox->click();
     EXPECT_FALSE(model->settings().showMenuBar);
-    EXPECT_FALSE(SettingsStore().load().showMenuBar); // saved at once
+    EXPECT_FALSE(SettingsStore().load().value.showMenuBar); // saved at once
     settings.findChild<QTabWidget*>()->setCurrentIndex(1);
     support::saveScreenshot(settings, "settings-alerts");
 

@@ -47,7 +47,16 @@ std::optional<std::string> replaceFile(const std::filesystem::path& path, std::s
     if (!file.open(QIODevice::WriteOnly)) {
         return file.errorString().toStdString();
     }
-    file.write(text.data(), static_cast<qint64>(text.size()));
+    // Written out before the commit, which would otherwise overlook a write
+    // refused when its buffer is flushed (a full disk) and put the file in
+    // place cut short.
+    if (file.write(text.data(), static_cast<qint64>(text.size())) !=
+            static_cast<qint64>(text.size()) ||
+        !file.flush()) {
+        const std::string error = file.errorString().toStdString();
+        file.cancelWriting();
+        return error;
+    }
     if (!file.commit()) {
         return file.errorString().toStdString();
     }

@@ -4,6 +4,7 @@
 #include "app/model/app_model.h"
 #include "core/diagnosis/alert_text.h"
 #include "tests/support/event_loop.h"
+#include "tests/support/full_disk.h"
 #include "tests/support/notification_server.h"
 
 #include <QCoreApplication>
@@ -285,6 +286,26 @@ TEST_F(AppModelTest, AFailedSaveBecomesTheProblemAndKeepsTheHistory) {
         << model->problem().toStdString();
     ASSERT_EQ(model->historySummary().size(), 1u);
     EXPECT_NEAR(model->historySummary()[0].totals.cpuSeconds, 302.0, 1e-6);
+}
+
+TEST_F(AppModelTest, AFullDiskLeavesTheSavedHistoryWholeAndTheNextSaveWithRoomSucceeds) {
+    model->setWindowVisible(true);
+    sampler->processes = {busyProcess(4100, "encoder", 100.0)};
+    startModel();
+    passFor(302.0);
+    const auto saved = fileText(historyPath);
+    ASSERT_TRUE(saved);
+    {
+        const support::FullDisk full(64);
+        passFor(302.0);
+        EXPECT_TRUE(model->problem().startsWith("App history couldn’t be saved: "))
+            << model->problem().toStdString();
+        EXPECT_EQ(fileText(historyPath), saved);
+        EXPECT_EQ(filesIn(std::filesystem::path(historyPath).parent_path(), "").size(), 1u);
+    }
+    passFor(302.0);
+    EXPECT_EQ(model->problem(), "");
+    EXPECT_EQ(decodeHistory(fileText(historyPath).value_or("")), model->history());
 }
 
 TEST_F(AppModelTest, AStartKeepsAsideWhatItCannotReadAndBeginsFromTheDefaults) {

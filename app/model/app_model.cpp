@@ -215,7 +215,9 @@ void AppModel::publish(LiveState state) {
                         &AppModel::processesChanged)) {
         forgetFileInfoOfGoneProcesses();
     }
-    assignIfChanged(this, groups_, std::move(state.groups), &AppModel::groupsChanged);
+    if (assignIfChanged(this, groups_, std::move(state.groups), &AppModel::groupsChanged)) {
+        forgetOpenedGroupsThatWent();
+    }
     assignIfChanged(this, system_, std::move(state.system), &AppModel::systemChanged);
     assignIfChanged(this, hasNetwork_, state.hasNetwork, &AppModel::hasNetworkChanged);
     assignIfChanged(this, notResponding_, std::move(state.notResponding),
@@ -223,6 +225,14 @@ void AppModel::publish(LiveState state) {
     graphs_ = liveGraphs_;
     emit graphsChanged();
     unpublished_.reset();
+}
+
+// Over months a window opens groups by the thousand; those that went stay closed.
+void AppModel::forgetOpenedGroupsThatWent() {
+    if (std::erase_if(expanded_, [this](const std::string& id) { return group(id) == nullptr; }) >
+        0) {
+        emit expandedChanged();
+    }
 }
 
 void AppModel::updateMenuBar(const SystemSample& sample) {
@@ -469,6 +479,33 @@ const std::vector<LiveProcess>& AppModel::latestProcesses() const {
 
 std::vector<StartupRow> AppModel::startupRows() const {
     return loadwarden::startupRows(startupItems_, latestProcesses());
+}
+
+std::map<std::string, std::size_t> AppModel::tableSizes() const {
+    std::size_t historyEntries = 0;
+    for (const auto& [day, apps] : history_.days) {
+        historyEntries += apps.size();
+    }
+    std::size_t memoryPoints = 0;
+    for (const auto& [key, points] : alertEngine_.memory) {
+        memoryPoints += points.size();
+    }
+    return {
+        {"history days", history_.days.size()},
+        {"history entries", historyEntries},
+        {"alerts: running hot", alertEngine_.hotSince.size() + alertEngine_.hotSum.size()},
+        {"alerts: not responding", alertEngine_.stuckSince.size()},
+        {"alerts: apps with memory points",
+         alertEngine_.memory.size() + alertEngine_.lastMemoryPoint.size()},
+        {"alerts: memory points", memoryPoints},
+        {"alerts: last sent", alertEngine_.lastSent.size()},
+        {"recent alerts", recentAlerts_.size()},
+        {"code info", codeInfo_.size() + codeInfoAsked_.size()},
+        {"file info", fileInfo_.size() + fileInfoAsked_.size()},
+        {"opened groups", expanded_.size()},
+        {"not responding", notResponding_.size()},
+        {"limits", controller_->limits().size()},
+    };
 }
 
 SystemPicture AppModel::picture() const {

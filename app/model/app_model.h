@@ -164,6 +164,10 @@ public:
     // unresponsive apps and heavy startup items only a running model knows.
     SystemPicture picture() const;
 
+    // How many entries each table holds whose keys come and go (apps, pids,
+    // paths, alerts), by name: what a long run must keep bounded.
+    std::map<std::string, std::size_t> tableSizes() const;
+
     ProcessController& controller() { return *controller_; }
     std::int32_t myPID() const { return myPID_; }
     int sampleCount() const { return sampleCount_; }
@@ -219,6 +223,7 @@ private:
     std::set<std::string> unresponsiveKeys() const;
     const std::vector<LiveProcess>& latestProcesses() const;
     void forgetFileInfoOfGoneProcesses();
+    void forgetOpenedGroupsThatWent();
     // Runs `work` on the model's own pool; `then` gets its result back here.
     template <typename Work, typename Then>
     void inBackground(Work work, Then then);

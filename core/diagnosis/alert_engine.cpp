@@ -24,6 +24,7 @@ std::vector<AppAlert> AlertEngine::update(const std::vector<App>& apps,
         }
     }
     forgetAppsThatLeft(apps);
+    forgetCooldownsThatEnded(now);
     for (const AppAlert& alert : raised) {
         lastSent[cooldownKey(alert.kind, alert.key)] = now;
     }
@@ -116,6 +117,13 @@ void AlertEngine::forgetAppsThatLeft(const std::vector<App>& apps) {
         stuckSince.erase(it->first);
         it = memory.erase(it);
     }
+}
+
+// An ended cooldown holds nothing back, and the apps it named may never return.
+void AlertEngine::forgetCooldownsThatEnded(Date now) {
+    std::erase_if(lastSent, [this, now](const auto& entry) {
+        return now - entry.second >= settings.repeatMinutes * 60;
+    });
 }
 
 std::vector<AppAlert> BannerRule::visible(const std::vector<AppAlert>& recent,

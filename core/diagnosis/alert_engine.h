@@ -59,6 +59,7 @@ private:
     std::optional<AppAlert> memoryLeak(const App& app, Date now);
     std::optional<AppAlert> notResponding(const App& app, bool stuck, Date now);
     void forgetAppsThatLeft(const std::vector<App>& apps);
+    void forgetCooldownsThatEnded(Date now);
 };
 
 namespace BannerRule {

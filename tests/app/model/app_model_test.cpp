@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -368,6 +369,76 @@ TEST_F(AppModelTest, SettingsAreSavedWholeAtOnceAndRuleTheAlertsPostedOncePerCoo
     ASSERT_TRUE(support::processEventsUntil([&] { return server.received.size() == 3; }));
     EXPECT_EQ(server.received[0].summary, "encoder is running hot");
     EXPECT_EQ(server.received[2].body.toStdString(), AlertText::notificationBody(alerts[2]));
+}
+
+// A day of processes coming and going: forty at a time, ten of them replaced
+// every minute by new pids with new names, run by a dozen programs; some run
+// hot, some grow, and the views ask about some of them. Whatever is keyed by
+// what comes and goes stays as large as it was once the longest window the
+// model keeps (three hours of memory points) had filled.
+TEST_F(AppModelTest, ADayOfProcessesComingAndGoingLeavesTheTablesNoLarger) {
+    constexpr int alive = 40;
+    constexpr int replacedEachMinute = 10;
+    constexpr int programs = 12;
+    std::int32_t nextPID = 10'000;
+    std::deque<LiveProcess> running;
+    const auto startOne = [&](int minute) {
+        const std::int32_t pid = nextPID++;
+        LiveProcess process =
+            busyProcess(pid, "job-" + std::to_string(minute) + "-" + std::to_string(pid),
+                        pid % 7 == 0 ? 150.0 : 2.0);
+        process.record.path = "/opt/tools/program-" + std::to_string(pid % programs);
+        process.record.memoryBytes = 50'000'000;
+        running.push_back(std::move(process));
+    };
+    for (int each = 0; each < alive; ++each) {
+        startOne(0);
+    }
+    // Hot for a minute is enough to be told, so the hot ones, living four
+    // minutes, are: alerts and their cooldowns come and go too.
+    AppSettings quickToWarn = model->settings();
+    quickToWarn.alerts.hotMinutes = 1;
+    model->setSettings(quickToWarn);
+    model->setWindowVisible(true);
+    sampler->processes.assign(running.begin(), running.end());
+    startModel();
+
+    std::map<std::string, std::size_t> settled;
+    for (int minute = 1; minute <= 24 * 60; ++minute) {
+        for (int each = 0; each < replacedEachMinute; ++each) {
+            running.pop_front();
+            startOne(minute);
+        }
+        for (LiveProcess& process : running) {
+            process.record.memoryBytes += 1'000'000; // a slow leak in every one
+        }
+        sampler->processes.assign(running.begin(), running.end());
+        // What a view asks for: who made the newest program, what the newest
+        // process has open; a group opened and the newest one selected.
+        const LiveProcess& newest = running.back();
+        model->requestCodeInfo(newest.record.path);
+        model->requestFileInfo(newest.record.pid);
+        passFor(60.0);
+        if (!model->groups().empty()) {
+            model->setExpanded(model->groups().back().id, true);
+        }
+        model->setDetailSelection(newest.record.pid);
+        if (minute == 4 * 60) {
+            settled = model->tableSizes();
+        }
+    }
+    ASSERT_TRUE(support::processEventsUntil(
+        [this] { return model->tableSizes().at("file info") == model->fileInfo().size(); }));
+
+    const auto end = model->tableSizes();
+    for (const auto& [table, size] : end) {
+        if (table.starts_with("history")) {
+            continue; // one entry per program and day, kept for 35 days
+        }
+        EXPECT_LE(size, settled.at(table) + settled.at(table) / 20 + 1) << table;
+    }
+    EXPECT_LE(end.at("history entries"), end.at("history days") * programs);
+    EXPECT_GT(end.at("alerts: last sent"), 0u) << "the hot ones were told about";
 }
 
 } // namespace

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "core/foundation/date.h"
+#include "core/grouping/process_group.h"
+#include "core/measurement/system_sample.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace loadwarden {
+
+// What an exporter counts: figures that only rise while it runs. Each app
+// adds what its processes did since the last tick, so an app whose helpers
+// come and go never seems to go back, which a scraper would take for a
+// restart. Apps beyond the busiest few add to one shared `other` instead,
+// so the number of series stays bounded.
+class UsageCounters {
+public:
+    struct Totals {
+        double cpuSeconds = 0.0;
+        // Absent until some process of the app has the figure.
+        std::optional<double> diskReadBytes;
+        std::optional<double> diskWrittenBytes;
+        std::optional<double> networkReceivedBytes;
+        std::optional<double> networkSentBytes;
+    };
+    struct SystemTotals {
+        double diskReadBytes = 0.0;
+        double diskWrittenBytes = 0.0;
+        double networkReceivedBytes = 0.0;
+        double networkSentBytes = 0.0;
+    };
+
+    // One tick: its groups and system sample, and the seconds it covered.
+    // The `shownApps` busiest groups keep totals of their own.
+    void record(const std::vector<ProcessGroup>& groups, const SystemSample& system,
+                Seconds interval, std::size_t shownApps);
+
+    // The totals of every group of the last tick, by id.
+    const std::map<std::string, Totals>& apps() const { return apps_; }
+    // Whether the group has series of its own rather than adding to `other`.
+    bool isShown(const std::string& groupID) const { return shown_.contains(groupID); }
+    const Totals& other() const { return other_; }
+    const SystemTotals& system() const { return system_; }
+
+private:
+    struct ProcessMark {
+        Date started = 0.0;
+        std::uint64_t cpuTimeNs = 0;
+        std::optional<std::uint64_t> diskReadBytes;
+        std::optional<std::uint64_t> diskWrittenBytes;
+    };
+
+    Totals tickOf(const ProcessGroup& group, Seconds interval,
+                  std::unordered_map<std::int32_t, ProcessMark>& marks) const;
+
+    std::unordered_map<std::int32_t, ProcessMark> lastMarks_;
+    std::map<std::string, Totals> apps_;
+    std::set<std::string> shown_;
+    Totals other_;
+    SystemTotals system_;
+};
+
+} // namespace loadwarden

@@ -27,6 +27,8 @@ const std::vector<Command>& commands() {
         {"startup", "what starts at login, and turning your own items on or off",
          runStartupCommand},
         {"watch", "keep watch without a window: history, alerts, the meter", runWatchCommand},
+        {"serve", "keep watch and answer Prometheus with the figures of every app",
+         runServeCommand},
         {"quit", "ask an app to quit, so it can save first", control<ControlVerb::quit>},
         {"end", "ask a process to stop, so it can clean up first", control<ControlVerb::end>},
         {"force-quit", "stop an app or process at once", control<ControlVerb::forceQuit>},

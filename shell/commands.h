@@ -39,6 +39,9 @@ int runStartupCommand(const std::vector<std::string>& arguments, std::ostream& o
 int runWatchCommand(const std::vector<std::string>& arguments, std::ostream& out,
                     std::ostream& err);
 
+int runServeCommand(const std::vector<std::string>& arguments, std::ostream& out,
+                    std::ostream& err);
+
 enum class ControlVerb;
 // quit, end, force-quit, pause, resume and limit.
 int runControlCommand(ControlVerb verb, const std::vector<std::string>& arguments,

@@ -7,7 +7,7 @@
 
 namespace loadwarden {
 
-void runModelSession(const ModelSession& session,
+bool runModelSession(const ModelSession& session,
                      const std::function<bool(const AppModel&)>& afterTick) {
     static int argc = 1;
     static char name[] = "loadwarden";
@@ -19,6 +19,13 @@ void runModelSession(const ModelSession& session,
     parts.interval = session.interval;
     AppModel model(std::move(parts));
     model.setWindowVisible(session.windowVisible);
+    std::unique_ptr<QObject> companion;
+    if (session.companion) {
+        companion = session.companion(model);
+        if (!companion) {
+            return false;
+        }
+    }
     QObject::connect(&model, &AppModel::ticked, &application, [&] {
         if (!afterTick(model)) {
             QCoreApplication::quit();
@@ -33,6 +40,7 @@ void runModelSession(const ModelSession& session,
     model.start();
     QCoreApplication::exec();
     model.prepareToQuit();
+    return true;
 }
 
 } // namespace loadwarden

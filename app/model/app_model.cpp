@@ -196,6 +196,7 @@ void AppModel::applySnapshot(const Snapshot& snapshot) {
     }
     raiseAlerts(stuck, snapshot.date);
     ++sampleCount_;
+    emit sampled(snapshot.interval);
     emit ticked();
 }
 
@@ -292,6 +293,7 @@ void AppModel::raiseAlerts(const std::set<std::string>& stuck, Date now) {
     }
     for (const AppAlert& alert : raised) {
         notifier_->post(alert);
+        ++alertsRaised_[alert.kind];
     }
     recentAlerts_.insert(recentAlerts_.end(), raised.begin(), raised.end());
     if (recentAlerts_.size() > keptAlerts) {
@@ -508,11 +510,14 @@ std::map<std::string, std::size_t> AppModel::tableSizes() const {
     };
 }
 
+const SystemSample& AppModel::latestSystem() const {
+    return unpublished_ ? unpublished_->system : system_;
+}
+
 SystemPicture AppModel::picture() const {
-    const SystemSample& latest = unpublished_ ? unpublished_->system : system_;
     const std::set<std::string>& stuck =
         unpublished_ ? unpublished_->notResponding : notResponding_;
-    return Diagnosis::picture(latest, lastGrouped_, stuck, alertEngine_,
+    return Diagnosis::picture(latestSystem(), lastGrouped_, stuck, alertEngine_,
                               heavyStartupItems(startupRows()));
 }
 

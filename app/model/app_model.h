@@ -110,6 +110,8 @@ public:
     bool hasNetwork() const { return hasNetwork_; }
     const std::set<std::string>& notResponding() const { return notResponding_; }
     const std::vector<AppAlert>& recentAlerts() const { return recentAlerts_; }
+    // How many alerts of each kind were raised since the model started.
+    const std::map<AlertKind, std::uint64_t>& alertsRaised() const { return alertsRaised_; }
     // The recent alerts to show as banners now.
     std::vector<AppAlert> banners() const;
 
@@ -160,6 +162,11 @@ public:
     std::optional<std::int32_t> detailSelection() const { return detailSelection_; }
     void setDetailSelection(std::optional<std::int32_t> pid);
 
+    // The last tick's groups and system sample, published or not: what an
+    // observer that is not a view reports.
+    const std::vector<ProcessGroup>& latestGroups() const { return lastGrouped_; }
+    const SystemSample& latestSystem() const;
+
     // What slows the computer down as of the last tick, with the leaks,
     // unresponsive apps and heavy startup items only a running model knows.
     SystemPicture picture() const;
@@ -199,6 +206,8 @@ signals:
     void detailSelectionChanged();
     // After every tick, published or not.
     void ticked();
+    // After a tick that read the processes, which covered `interval` seconds.
+    void sampled(Seconds interval);
 
 private:
     // One tick's worth of what the views show.
@@ -267,6 +276,7 @@ private:
     bool hasNetwork_ = false;
     std::set<std::string> notResponding_;
     std::vector<AppAlert> recentAlerts_;
+    std::map<AlertKind, std::uint64_t> alertsRaised_;
     UsageHistory history_;
     int historyDays_ = 1;
     std::vector<StartupItem> startupItems_;

@@ -1,3 +1,4 @@
+#include "core/foundation/program.h"
 #include "shell/command_line.h"
 #include "shell/commands.h"
 #include "shell/control_options.h"
@@ -43,7 +44,8 @@ const std::vector<Command>& commands() {
 namespace {
 
 void printUsage(std::ostream& stream) {
-    stream << "usage: loadwarden <command> [options]\n\ncommands:\n";
+    stream << "usage: loadwarden <command> [options]\n"
+              "       loadwarden --help | --version\n\ncommands:\n";
     std::size_t width = 0;
     for (const auto& command : commands()) {
         width = std::max(width, command.name.size());
@@ -66,6 +68,10 @@ int runProgram(const std::vector<std::string>& arguments, std::ostream& out, std
     const std::string& name = arguments.front();
     if (name == "--help" || name == "-h" || name == "help") {
         printUsage(out);
+        return exitSuccess;
+    }
+    if (name == "--version") {
+        out << "loadwarden " << programVersion << '\n';
         return exitSuccess;
     }
     const auto& table = commands();

@@ -2,9 +2,11 @@
 // and App history, one copy per user.
 #include "app/control/shared_ledger.h"
 #include "app/model/app_model.h"
+#include "core/foundation/program.h"
 #include "shell/desktop/hot_key.h"
 #include "shell/desktop/main_window.h"
 #include "shell/desktop/menu_bar_meter.h"
+#include "shell/desktop/qt_text.h"
 #include "shell/desktop/settings_window.h"
 #include "shell/desktop/single_instance.h"
 #include "shell/desktop/welcome_dialog.h"
@@ -24,7 +26,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Loadwarden"));
     QApplication::setApplicationDisplayName(QStringLiteral("Loadwarden"));
-    QApplication::setDesktopFileName(QStringLiteral("loadwarden"));
+    QApplication::setDesktopFileName(qtText(applicationID));
 
     SingleInstance instance;
     if (!instance.isFirst()) {

@@ -1,6 +1,7 @@
 #include "shell/desktop/main_window.h"
 
 #include "core/text/platform_wording.h"
+#include "shell/desktop/about_box.h"
 #include "shell/desktop/command_palette.h"
 #include "shell/desktop/delete_history.h"
 #include "shell/desktop/details_tab.h"
@@ -134,6 +135,12 @@ void MainWindow::buildMenus() {
     pauseProcess_ = command("Pause or Resume Selected Process", false, pauseOrResume);
     forceQuitProcess_ = command("Force Quit Selected Process…", false, forceQuit);
     endProcess_ = command("End Selected Process", false, quitOrEnd);
+
+    // On macOS About moves to the application menu.
+    QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
+    QAction* about =
+        help->addAction(QStringLiteral("About Loadwarden"), this, [this] { showAboutBox(this); });
+    about->setMenuRole(QAction::AboutRole);
 
     paletteCommands_ = {why,       settings,      deleteHistory,     quitApp_,   forceQuitApp_,
                         pauseApp_, pauseProcess_, forceQuitProcess_, endProcess_};

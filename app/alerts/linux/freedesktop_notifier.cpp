@@ -1,6 +1,7 @@
 #include "app/alerts/linux/freedesktop_notifier.h"
 
 #include "core/diagnosis/alert_text.h"
+#include "core/foundation/program.h"
 
 #include <QDBusMessage>
 #include <QStringList>
@@ -23,7 +24,8 @@ void FreedesktopNotifier::post(const AppAlert& alert) {
         QStringLiteral("/org/freedesktop/Notifications"),
         QStringLiteral("org.freedesktop.Notifications"), QStringLiteral("Notify"));
     const QVariantMap hints{
-        {QStringLiteral("desktop-entry"), QStringLiteral("loadwarden")},
+        {QStringLiteral("desktop-entry"),
+         QString::fromUtf8(applicationID.data(), static_cast<qsizetype>(applicationID.size()))},
         {QStringLiteral("sound-name"), QStringLiteral("message-new-instant")},
         {QStringLiteral("urgency"), QVariant::fromValue(normalUrgency)},
     };

@@ -2,6 +2,7 @@
 // the test registers.
 #include "app/alerts/linux/freedesktop_notifier.h"
 #include "core/diagnosis/alert_text.h"
+#include "core/foundation/program.h"
 #include "tests/support/event_loop.h"
 #include "tests/support/notification_server.h"
 
@@ -35,7 +36,7 @@ TEST_F(FreedesktopNotifierTest, EveryKindReachesTheServerWithItsTexts) {
         EXPECT_EQ(received.appName, "Loadwarden");
         EXPECT_EQ(received.summary.toStdString(), AlertText::title(alerts[i]));
         EXPECT_EQ(received.body.toStdString(), AlertText::notificationBody(alerts[i]));
-        EXPECT_EQ(received.hints.value("desktop-entry").toString(), "loadwarden");
+        EXPECT_EQ(received.hints.value("desktop-entry").toString().toStdString(), applicationID);
         EXPECT_TRUE(received.hints.contains("sound-name"));
     }
     EXPECT_EQ(server.received[0].summary, "Encoder is running hot");

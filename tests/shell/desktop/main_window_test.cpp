@@ -1,6 +1,8 @@
 // The window: acting on a process, the program itself, shortcuts, the
-// meter and the settings.
+// meter, the settings and the About box.
+#include "core/foundation/program.h"
 #include "shell/desktop/menu_bar_meter.h"
+#include "shell/desktop/qt_text.h"
 #include "shell/desktop/settings_window.h"
 #include "shell/desktop/welcome_dialog.h"
 #include "tests/shell/desktop/window_fixture.h"
@@ -9,6 +11,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
@@ -119,6 +122,25 @@ TEST_F(MainWindowTest, TheMeterAndTheSettingsFollowTheModel) {
     support::saveScreenshot(welcome, "welcome");
     welcome.accept();
     EXPECT_TRUE(model->settings().onboardingDone);
+}
+
+TEST_F(MainWindowTest, AboutGivesTheVersion) {
+    QAction* about = nullptr;
+    for (QAction* menu : window->menuBar()->actions()) {
+        about = about ? about : support::actionNamed(*menu->menu(), "About Loadwarden");
+    }
+    ASSERT_NE(about, nullptr);
+    EXPECT_EQ(about->menuRole(), QAction::AboutRole); // in the application menu on macOS
+    QString text;
+    QTimer::singleShot(0, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        ASSERT_NE(box, nullptr);
+        text = box->text();
+        support::saveScreenshot(*box, "about");
+        box->accept();
+    });
+    about->trigger();
+    EXPECT_TRUE(text.contains("Loadwarden " + qtText(programVersion))) << text.toStdString();
 }
 
 } // namespace

@@ -22,7 +22,7 @@ struct AppsOptions {
 };
 
 constexpr std::string_view appsUsage =
-    "usage: loadwarden apps [--json] [--sort name|cpu|memory|energy|disk|network]\n"
+    "usage: loadwarden apps [--json] [--sort name|cpu|memory|energy|disk|network|gpu]\n"
     "                       [--ascending] [--search TEXT] [--interval SECONDS]\n"
     "\n"
     "Watches the processes for SECONDS (default 1) and lists them as apps with\n"

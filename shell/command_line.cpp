@@ -93,7 +93,26 @@ OptionParser& OptionParser::valued(std::string name, std::string missingValue, A
     return *this;
 }
 
+DeclaredOptions::DeclaredOptions() : outer_(listening()) {
+    listening() = this;
+}
+
+DeclaredOptions::~DeclaredOptions() {
+    listening() = outer_;
+}
+
+DeclaredOptions*& DeclaredOptions::listening() {
+    thread_local DeclaredOptions* current = nullptr;
+    return current;
+}
+
 std::optional<std::string> OptionParser::parse(const std::vector<std::string>& arguments) const {
+    if (DeclaredOptions* declared = DeclaredOptions::listening()) {
+        for (const Option& option : options_) {
+            declared->options_.push_back(
+                {option.name, option.missingValue.has_value(), option.choices});
+        }
+    }
     std::size_t filled = 0;
     bool help = false;
     for (std::size_t next = 0; next < arguments.size();) {

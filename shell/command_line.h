@@ -47,20 +47,24 @@ public:
     template <HasRawValues Enum>
     OptionParser& choice(std::string name, Enum& target, std::string what) {
         std::string names;
+        std::vector<std::string> values;
         const auto cases = allCases<Enum>();
         for (std::size_t i = 0; i < cases.size(); ++i) {
             names += (i == 0 ? "" : i + 1 == cases.size() ? " or " : ", ");
             names += rawValue(cases[i]);
+            values.emplace_back(rawValue(cases[i]));
         }
-        return valued(std::move(name), what + ": " + names,
-                      [&target, names](const std::string& value) -> std::optional<std::string> {
-                          const auto parsed = fromRawValue<Enum>(value);
-                          if (!parsed) {
-                              return "takes " + names;
-                          }
-                          target = *parsed;
-                          return std::nullopt;
-                      });
+        valued(std::move(name), what + ": " + names,
+               [&target, names](const std::string& value) -> std::optional<std::string> {
+                   const auto parsed = fromRawValue<Enum>(value);
+                   if (!parsed) {
+                       return "takes " + names;
+                   }
+                   target = *parsed;
+                   return std::nullopt;
+               });
+        options_.back().choices = std::move(values);
+        return *this;
     }
 
     // Options as "--name value" or "--name=value". The message for the first
@@ -85,6 +89,7 @@ private:
         std::string name;
         std::optional<std::string> missingValue; // "needs …"; absent for a flag
         Apply apply;
+        std::vector<std::string> choices; // a choice's values
     };
 
     OptionParser& valued(std::string name, std::string missingValue, Apply apply);
@@ -98,6 +103,35 @@ private:
 
     std::vector<Option> options_;
     std::vector<Positional> positionals_;
+};
+
+// An option as a command declares it.
+struct DeclaredOption {
+    std::string name; // "--sort", "-h"
+    bool takesValue = false;
+    std::vector<std::string> choices; // the values of a choice, in order
+
+    bool operator==(const DeclaredOption&) const = default;
+};
+
+// While one is alive, every parser that reads a command line on its thread
+// adds the options it declares: how the manual and the completions are held
+// to what each command of the table really accepts.
+class DeclaredOptions {
+public:
+    DeclaredOptions();
+    ~DeclaredOptions();
+    DeclaredOptions(const DeclaredOptions&) = delete;
+    DeclaredOptions& operator=(const DeclaredOptions&) = delete;
+
+    const std::vector<DeclaredOption>& options() const { return options_; }
+
+private:
+    friend class OptionParser;
+    static DeclaredOptions*& listening();
+
+    std::vector<DeclaredOption> options_;
+    DeclaredOptions* outer_;
 };
 
 // Runs one command on its parsed options: reports a bad command line on

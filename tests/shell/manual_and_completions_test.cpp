@@ -190,6 +190,7 @@ protected:
     void SetUp() override {
         scratch_ = std::filesystem::temp_directory_path() /
                    ("loadwarden-completion-" + std::to_string(getpid()));
+        std::filesystem::remove_all(scratch_); // what a killed run left
         std::filesystem::create_directories(scratch_ / "bin");
         std::filesystem::create_symlink("/bin/sleep", scratch_ / probeName);
         probe_ = support::spawn({(scratch_ / probeName).string(), "60"});
@@ -225,11 +226,11 @@ protected:
     std::vector<std::string> shellLines(const std::string& shell, const std::string& noStartupFiles,
                                         const std::string& script) {
         const char* path = std::getenv("PATH");
-        const auto result = Spawn::run(
-            "/usr/bin/env",
-            {"PATH=" + (scratch_ / "bin").string() + ":" + (path ? path : ""), shell,
-             noStartupFiles, "-c", script},
-            Spawn::shortToolTimeout, std::nullopt);
+        const auto result =
+            Spawn::run("/usr/bin/env",
+                       {"PATH=" + (scratch_ / "bin").string() + ":" + (path ? path : ""), shell,
+                        noStartupFiles, "-c", script},
+                       Spawn::shortToolTimeout, std::nullopt);
         EXPECT_TRUE(result && result->exitCode == 0) << shell << " failed on:\n" << script;
         return result ? linesOf(result->output) : std::vector<std::string>{};
     }

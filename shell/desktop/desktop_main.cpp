@@ -6,6 +6,7 @@
 #include "shell/desktop/hot_key.h"
 #include "shell/desktop/main_window.h"
 #include "shell/desktop/menu_bar_meter.h"
+#include "shell/desktop/prometheus_sharing.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/settings_window.h"
 #include "shell/desktop/single_instance.h"
@@ -39,7 +40,8 @@ int main(int argc, char** argv) {
     AppModel model(AppModel::machineParts());
     MainWindow window(model);
     MenuBarMeter meter(model);
-    SettingsWindow settings(model);
+    PrometheusSharing sharing(model);
+    SettingsWindow settings(model, sharing);
     const auto welcome = [&] {
         model.setSheet(Sheet::welcome);
         WelcomeDialog(model, &window).exec();

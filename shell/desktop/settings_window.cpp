@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QSpinBox>
@@ -46,8 +47,8 @@ QGroupBox* section(const QString& title, QWidget* parent) {
 
 } // namespace
 
-SettingsWindow::SettingsWindow(AppModel& model, QWidget* parent)
-    : QWidget(parent, Qt::Window), model_(model) {
+SettingsWindow::SettingsWindow(AppModel& model, PrometheusSharing& sharing, QWidget* parent)
+    : QWidget(parent, Qt::Window), model_(model), sharing_(sharing) {
     setWindowTitle(QStringLiteral("Settings"));
     auto* panes = new QTabWidget(this);
     panes->addTab(generalPane(), QIcon::fromTheme(QStringLiteral("preferences-system")),
@@ -58,7 +59,9 @@ SettingsWindow::SettingsWindow(AppModel& model, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(panes);
     connect(&model_, &AppModel::settingsChanged, this, &SettingsWindow::showSettings);
+    connect(&sharing_, &PrometheusSharing::changed, this, &SettingsWindow::showSharing);
     showSettings();
+    showSharing();
 }
 
 QWidget* SettingsWindow::generalPane() {
@@ -100,6 +103,20 @@ QWidget* SettingsWindow::generalPane() {
              yourData));
     auto* remove = new QPushButton(QStringLiteral("Delete Usage History…"), yourData);
     yourData->layout()->addWidget(remove);
+    auto* sharingRow = new QHBoxLayout();
+    shareFigures_ =
+        new QCheckBox(QStringLiteral("Share figures with Prometheus on port"), yourData);
+    sharingPort_ = new QSpinBox(yourData);
+    sharingPort_->setRange(1024, 65535);
+    sharingPort_->setAccessibleName(QStringLiteral("Port for Prometheus"));
+    sharingRow->addWidget(shareFigures_);
+    sharingRow->addWidget(sharingPort_);
+    sharingRow->addStretch();
+    static_cast<QVBoxLayout*>(yourData->layout())->addLayout(sharingRow);
+    yourData->layout()->addWidget(note(
+        QStringLiteral("Anyone who can reach this computer on that port can read the names and "
+                       "figures of its apps at /metrics."),
+        yourData));
 
     QGroupBox* start = section(QStringLiteral("Getting started"), pane);
     auto* welcome = new QPushButton(QStringLiteral("Show the Welcome Screen Again"), start);
@@ -115,6 +132,14 @@ QWidget* SettingsWindow::generalPane() {
     connect(showMenuBar_, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
     connect(hotKey_, &QCheckBox::toggled, this, &SettingsWindow::saveSettings);
     connect(remove, &QPushButton::clicked, this, [this] { confirmDeleteHistory(model_, this); });
+    // The port is taken when its editing ends, not at every digit typed.
+    const auto share = [this] {
+        if (!showing_) {
+            sharing_.set(shareFigures_->isChecked(), static_cast<quint16>(sharingPort_->value()));
+        }
+    };
+    connect(shareFigures_, &QCheckBox::toggled, this, share);
+    connect(sharingPort_, &QSpinBox::editingFinished, this, share);
     connect(welcome, &QPushButton::clicked, this, &SettingsWindow::welcomeRequested);
     return pane;
 }
@@ -183,6 +208,21 @@ void SettingsWindow::showSettings() {
     stuckEnabled_->setChecked(settings.alerts.stuckEnabled);
     stuckSeconds_->setValue(static_cast<int>(settings.alerts.stuckSeconds));
     repeatMinutes_->setValue(static_cast<int>(settings.alerts.repeatMinutes));
+    showing_ = false;
+}
+
+// Tall enough for every wrapped note at the width the window has: a window
+// does not ask its layout's height for its width by itself.
+void SettingsWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    layout()->activate();
+    setMinimumHeight(layout()->totalHeightForWidth(width()));
+}
+
+void SettingsWindow::showSharing() {
+    showing_ = true;
+    shareFigures_->setChecked(sharing_.isOn());
+    sharingPort_->setValue(sharing_.port());
     showing_ = false;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/model/app_model.h"
+#include "shell/desktop/prometheus_sharing.h"
 
 #include <QWidget>
 
@@ -15,18 +16,23 @@ class SettingsWindow : public QWidget {
     Q_OBJECT
 
 public:
-    explicit SettingsWindow(AppModel& model, QWidget* parent = nullptr);
+    SettingsWindow(AppModel& model, PrometheusSharing& sharing, QWidget* parent = nullptr);
 
 signals:
     void welcomeRequested();
+
+protected:
+    void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* generalPane();
     QWidget* alertsPane();
     void showSettings();
     void saveSettings();
+    void showSharing();
 
     AppModel& model_;
+    PrometheusSharing& sharing_;
     QComboBox* interval_ = nullptr;
     QCheckBox* showMenuBar_ = nullptr;
     QCheckBox* hotKey_ = nullptr;
@@ -37,6 +43,8 @@ private:
     QCheckBox* stuckEnabled_ = nullptr;
     QSpinBox* stuckSeconds_ = nullptr;
     QSpinBox* repeatMinutes_ = nullptr;
+    QCheckBox* shareFigures_ = nullptr;
+    QSpinBox* sharingPort_ = nullptr;
     bool showing_ = false; // controls being set from the model, not by the user
 };
 

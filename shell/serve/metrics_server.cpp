@@ -41,6 +41,8 @@ std::optional<QString> MetricsServer::start(const ListenAddress& address) {
     QHostAddress bound;
     if (host == QLatin1String("localhost")) {
         bound = QHostAddress::LocalHost;
+    } else if (host == QLatin1String("::")) {
+        bound = QHostAddress::Any; // as the system's own servers do: IPv4 as well
     } else if (!bound.setAddress(host)) {
         return QStringLiteral("“%1” is not an IP address").arg(host);
     }

@@ -103,7 +103,8 @@ TEST_F(MainWindowTest, TheMeterAndTheSettingsFollowTheModel) {
                         .pixmap(64, 64));
     support::saveScreenshot(plate, "meter-busy");
 
-    SettingsWindow settings(*model);
+    PrometheusSharing sharing(*model);
+    SettingsWindow settings(*model, sharing);
     settings.show();
     support::saveScreenshot(settings, "settings-general");
     QCheckBox* meterBox = nullptr;

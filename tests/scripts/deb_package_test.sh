@@ -14,7 +14,8 @@ skip() {
     exit 77
 }
 [ "$(id -u)" -eq 0 ] || skip "installing a package needs root"
-for tool in apt-get dpkg-query cpack man bash fish zsh desktop-file-validate appstreamcli; do
+for tool in apt-get dpkg-query cpack man bash fish zsh desktop-file-validate appstreamcli \
+    systemd-analyze; do
     command -v "$tool" >/dev/null || skip "$tool is not installed"
 done
 # Slim system images have dpkg leave manuals out.
@@ -85,6 +86,11 @@ check "fish completes a command" \
     bash -c "HOME='$home' fish -c \"complete -C'loadwarden sn'\" | grep -q '^snapshot'"
 check "zsh has the completion on its function path" \
     zsh -fc '[[ -n ${^fpath}/_loadwarden(#qN) ]]'
+
+# systemd finds the exporter's user unit and its program; the manual it
+# names exists.
+check "the user unit of loadwarden serve is sound" \
+    systemd-analyze verify /usr/lib/systemd/user/loadwarden-serve.service
 
 desktop=/usr/share/applications/io.loadwarden.Loadwarden.desktop
 metainfo=/usr/share/metainfo/io.loadwarden.Loadwarden.metainfo.xml

@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# A real Prometheus scrapes `loadwarden serve` and answers queries about a
-# busy app and the causes of slowness; promtool finds nothing to say about
-# the text format, and Prometheus parses the newer one it asks for. Skipped
-# (77) without Prometheus. Usage: prometheus_scrape_test.sh LOADWARDEN
+# A real Prometheus scrapes `loadwarden serve` and the desktop program with
+# its setting on, and answers queries about a busy app and the causes of
+# slowness; promtool finds nothing to say about the text format, and
+# Prometheus parses the newer one it asks for. Skipped (77) without
+# Prometheus. Usage: prometheus_scrape_test.sh LOADWARDEN DESKTOP_PROGRAM
 set -uo pipefail
 program=$1
+desktop=$2
 for tool in prometheus promtool curl jq python3; do
     if ! command -v "$tool" >/dev/null; then
         echo "skipped: no $tool"
@@ -50,7 +52,19 @@ status=$?
 [ "$(wc -l <"$scratch/second.err")" -eq 1 ] || fail "a port in use said: $(cat "$scratch/second.err")"
 grep -q "in use" "$scratch/second.err" || fail "a port in use said: $(cat "$scratch/second.err")"
 
-prometheus_port=$(python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+free_port() {
+    python3 -c 'import socket; s=socket.socket(); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])'
+}
+
+# The desktop program with "Share figures with Prometheus" turned on.
+window_port=$(free_port)
+mkdir -p "$XDG_CONFIG_HOME/Loadwarden" && mkdir -m 700 "$scratch/runtime"
+printf '[General]\nsharePrometheus=true\nprometheusPort=%s\n' "$window_port" \
+    >"$XDG_CONFIG_HOME/Loadwarden/Loadwarden.conf"
+XDG_RUNTIME_DIR=$scratch/runtime QT_QPA_PLATFORM=offscreen "$desktop" >"$scratch/desktop.log" 2>&1 &
+pids+=($!)
+
+prometheus_port=$(free_port)
 cat >"$scratch/prometheus.yml" <<YAML
 global:
   scrape_interval: 1s
@@ -58,7 +72,7 @@ global:
 scrape_configs:
   - job_name: loadwarden
     static_configs:
-      - targets: ['$address']
+      - targets: ['$address', '127.0.0.1:$window_port']
 YAML
 prometheus --config.file="$scratch/prometheus.yml" --storage.tsdb.path="$scratch/tsdb" \
     --web.listen-address="127.0.0.1:$prometheus_port" >"$scratch/prometheus.log" 2>&1 &
@@ -80,19 +94,24 @@ until_true() {
     return 1
 }
 busy_seconds() {
-    query 'loadwarden_app_cpu_seconds_total{name="loadwarden-busy"}'
+    query "loadwarden_app_cpu_seconds_total{name=\"loadwarden-busy\",instance=\"$address\"}"
 }
-is_up() { [ "$(query up)" = 1 ]; }
+window_sees_busy() {
+    [ -n "$(query "loadwarden_app_cpu_seconds_total{name=\"loadwarden-busy\",instance=\"127.0.0.1:$window_port\"}")" ]
+}
+is_up() { [ "$(query 'sum(up)')" = 2 ]; }
 has_busy() { [ -n "$(busy_seconds)" ]; }
-until_true 30 is_up || fail "Prometheus never found the target up: $(tail -5 "$scratch/prometheus.log")"
+until_true 30 is_up || fail "Prometheus never found both targets up: $(tail -5 "$scratch/prometheus.log") $(tail -5 "$scratch/desktop.log")"
 until_true 40 has_busy || fail "no processor time for the busy app"
 first=$(busy_seconds)
 rose() { awk -v now="$(busy_seconds)" -v first="$first" 'BEGIN { exit !(now > first) }'; }
 until_true 40 rose || fail "the busy app's processor seconds stayed at $first"
 
+until_true 20 window_sees_busy || fail "the window's figures lack the busy app"
+
 # Prometheus asked for the newer format and parsed it without a word.
-health=$(curl -s "$api/targets" | jq -r '.data.activeTargets[0] | .health + " " + .lastError')
-[ "$health" = "up " ] || fail "the target's health: $health"
+health=$(curl -s "$api/targets" | jq -r '.data.activeTargets[] | .health + " " + .lastError' | sort -u)
+[ "$health" = "up " ] || fail "the targets' health: $health"
 cause=$(curl -s --get "$api/query" --data-urlencode 'query=loadwarden_cause_severity{cause="appCPU"}' |
     jq -r '.data.result[].metric.app')
 grep -q '^pid:' <<<"$cause" || fail "no processor cause for the busy app: '$cause'"
@@ -118,4 +137,4 @@ kill -TERM "$serve"
 wait "$serve"
 status=$?
 [ $status -eq 0 ] || fail "serve ended with $status on SIGTERM"
-echo "Prometheus scraped $url: busy app from $first s up, target healthy, promtool silent"
+echo "Prometheus scraped $url and the window: busy app from $first s up, targets healthy, promtool silent"

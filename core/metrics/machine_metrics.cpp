@@ -155,8 +155,8 @@ void addApps(std::vector<MetricFamily>& out, const MachineFigures& figures) {
     std::optional<double> otherGPU;
     bool anyOther = false;
     for (const ProcessGroup& group : figures.groups) {
-        const auto totals = figures.counters.apps().find(group.id);
-        if (!figures.counters.isShown(group.id) || totals == figures.counters.apps().end()) {
+        const UsageCounters::Totals* totals = figures.counters.app(group.id);
+        if (!figures.counters.isShown(group.id) || totals == nullptr) {
             anyOther = true;
             otherMemory += group.totalMemory();
             otherProcesses += group.members.size();
@@ -167,7 +167,7 @@ void addApps(std::vector<MetricFamily>& out, const MachineFigures& figures) {
         }
         const MetricLabels labels{
             {"app", group.id}, {"name", group.name}, {"section", std::string(sectionName(group.kind))}};
-        apps.addTotals(labels, totals->second);
+        apps.addTotals(labels, *totals);
         apps.memory.samples.push_back({labels, static_cast<double>(group.totalMemory())});
         if (const auto gpu = group.totalGPU()) {
             apps.gpu.samples.push_back({labels, *gpu / 100.0});

@@ -35,7 +35,8 @@ std::optional<double> over(std::optional<double> perSecond, Seconds interval) {
 }
 
 // Busiest first: processor, then memory, then id so that ties hold still.
-std::set<std::string> busiest(const std::vector<ProcessGroup>& groups, std::size_t count) {
+std::unordered_set<std::string> busiest(const std::vector<ProcessGroup>& groups,
+                                        std::size_t count) {
     struct Load {
         double cpu;
         std::uint64_t memory;
@@ -52,7 +53,7 @@ std::set<std::string> busiest(const std::vector<ProcessGroup>& groups, std::size
     const std::size_t kept = std::min(count, loads.size());
     std::partial_sort(loads.begin(), loads.begin() + static_cast<std::ptrdiff_t>(kept),
                       loads.end());
-    std::set<std::string> ids;
+    std::unordered_set<std::string> ids;
     for (std::size_t i = 0; i < kept; ++i) {
         ids.insert(*loads[i].id);
     }
@@ -61,55 +62,53 @@ std::set<std::string> busiest(const std::vector<ProcessGroup>& groups, std::size
 
 } // namespace
 
-UsageCounters::Totals
-UsageCounters::tickOf(const ProcessGroup& group, Seconds interval,
-                      std::unordered_map<std::int32_t, ProcessMark>& marks) const {
+const UsageCounters::Totals* UsageCounters::app(const std::string& groupID) const {
+    const auto found = apps_.find(groupID);
+    return found == apps_.end() ? nullptr : &found->second.totals;
+}
+
+UsageCounters::Totals UsageCounters::tickOf(const ProcessGroup& group, Seconds interval) {
     Totals tick;
     for (const LiveProcess& member : group.members) {
         const ProcessRecord& record = member.record;
-        const auto last = lastMarks_.find(record.pid);
-        const ProcessMark* before =
-            last != lastMarks_.end() && last->second.started == record.started ? &last->second
-                                                                              : nullptr;
+        auto [mark, fresh] = marks_.try_emplace(record.pid);
+        ProcessMark& last = mark->second;
+        // Marks the last tick did not renew are gone, so an old one is the last tick's.
+        const bool same = !fresh && last.started == record.started;
         tick.cpuSeconds +=
-            risen(record.cpuTimeNs, before ? std::optional(before->cpuTimeNs) : std::nullopt) /
-            1e9;
+            risen(record.cpuTimeNs, same ? std::optional(last.cpuTimeNs) : std::nullopt) / 1e9;
         if (record.diskReadBytes) {
             add(tick.diskReadBytes,
-                risen(*record.diskReadBytes, before ? before->diskReadBytes : std::nullopt));
+                risen(*record.diskReadBytes, same ? last.diskReadBytes : std::nullopt));
         }
         if (record.diskWrittenBytes) {
             add(tick.diskWrittenBytes,
-                risen(*record.diskWrittenBytes, before ? before->diskWrittenBytes : std::nullopt));
+                risen(*record.diskWrittenBytes, same ? last.diskWrittenBytes : std::nullopt));
         }
         add(tick.networkReceivedBytes, over(member.rates.networkInPerSecond, interval));
         add(tick.networkSentBytes, over(member.rates.networkOutPerSecond, interval));
-        marks[record.pid] = {record.started, record.cpuTimeNs, record.diskReadBytes,
-                             record.diskWrittenBytes};
+        last = {record.started, record.cpuTimeNs, record.diskReadBytes, record.diskWrittenBytes,
+                tick_};
     }
     return tick;
 }
 
 void UsageCounters::record(const std::vector<ProcessGroup>& groups, const SystemSample& system,
                            Seconds interval, std::size_t shownApps) {
+    ++tick_;
     shown_ = busiest(groups, shownApps);
-    std::unordered_map<std::int32_t, ProcessMark> marks;
-    marks.reserve(lastMarks_.size());
-    std::map<std::string, Totals> apps;
     for (const ProcessGroup& group : groups) {
-        const Totals tick = tickOf(group, interval, marks);
-        const auto previous = apps_.find(group.id);
-        Totals& total = apps[group.id];
-        if (previous != apps_.end()) {
-            total = previous->second;
-        }
-        add(total, tick);
+        const Totals tick = tickOf(group, interval);
+        AppEntry& entry = apps_[group.id];
+        entry.tick = tick_;
+        add(entry.totals, tick);
         if (!shown_.contains(group.id)) {
             add(other_, tick);
         }
     }
-    apps_ = std::move(apps);
-    lastMarks_ = std::move(marks);
+    // What the tick did not see has gone.
+    std::erase_if(marks_, [this](const auto& mark) { return mark.second.tick != tick_; });
+    std::erase_if(apps_, [this](const auto& app) { return app.second.tick != tick_; });
 
     system_.diskReadBytes += system.diskReadPerSecond * interval;
     system_.diskWrittenBytes += system.diskWritePerSecond * interval;

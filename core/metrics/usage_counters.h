@@ -5,11 +5,10 @@
 #include "core/measurement/system_sample.h"
 
 #include <cstdint>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace loadwarden {
@@ -41,27 +40,34 @@ public:
     void record(const std::vector<ProcessGroup>& groups, const SystemSample& system,
                 Seconds interval, std::size_t shownApps);
 
-    // The totals of every group of the last tick, by id.
-    const std::map<std::string, Totals>& apps() const { return apps_; }
+    // The totals of a group of the last tick; null for any other.
+    const Totals* app(const std::string& groupID) const;
     // Whether the group has series of its own rather than adding to `other`.
     bool isShown(const std::string& groupID) const { return shown_.contains(groupID); }
     const Totals& other() const { return other_; }
     const SystemTotals& system() const { return system_; }
 
 private:
+    // Kept from tick to tick and updated in place: at thousands of
+    // processes, rebuilding them is most of a tick's cost.
     struct ProcessMark {
         Date started = 0.0;
         std::uint64_t cpuTimeNs = 0;
         std::optional<std::uint64_t> diskReadBytes;
         std::optional<std::uint64_t> diskWrittenBytes;
+        std::uint64_t tick = 0; // the last one that saw the process
+    };
+    struct AppEntry {
+        Totals totals;
+        std::uint64_t tick = 0;
     };
 
-    Totals tickOf(const ProcessGroup& group, Seconds interval,
-                  std::unordered_map<std::int32_t, ProcessMark>& marks) const;
+    Totals tickOf(const ProcessGroup& group, Seconds interval);
 
-    std::unordered_map<std::int32_t, ProcessMark> lastMarks_;
-    std::map<std::string, Totals> apps_;
-    std::set<std::string> shown_;
+    std::uint64_t tick_ = 0;
+    std::unordered_map<std::int32_t, ProcessMark> marks_;
+    std::unordered_map<std::string, AppEntry> apps_;
+    std::unordered_set<std::string> shown_;
     Totals other_;
     SystemTotals system_;
 };

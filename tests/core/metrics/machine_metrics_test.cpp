@@ -61,18 +61,18 @@ struct Scrape {
 TEST(UsageCounters, AnAppsProcessorTimeNeverGoesBackWhenItsHelpersComeAndGo) {
     UsageCounters counters;
     counters.record({app("app:a", {running(10, 10), running(11, 5)})}, {}, 2, 50);
-    EXPECT_DOUBLE_EQ(counters.apps().at("app:a").cpuSeconds, 15);
+    EXPECT_DOUBLE_EQ(counters.app("app:a")->cpuSeconds, 15);
     // The helper ended; the leader used one more second.
     counters.record({app("app:a", {running(10, 11)})}, {}, 2, 50);
-    EXPECT_DOUBLE_EQ(counters.apps().at("app:a").cpuSeconds, 16);
+    EXPECT_DOUBLE_EQ(counters.app("app:a")->cpuSeconds, 16);
     // A new helper took the old one's pid: all its time is new.
     counters.record({app("app:a", {running(10, 11), running(11, 0.5, 2000.0)})}, {}, 2, 50);
-    EXPECT_DOUBLE_EQ(counters.apps().at("app:a").cpuSeconds, 16.5);
+    EXPECT_DOUBLE_EQ(counters.app("app:a")->cpuSeconds, 16.5);
     // An app that went is forgotten; coming back it starts from its processes again.
     counters.record({app("app:b", {running(20, 1)})}, {}, 2, 50);
-    EXPECT_FALSE(counters.apps().contains("app:a"));
+    EXPECT_EQ(counters.app("app:a"), nullptr);
     counters.record({app("app:a", {running(10, 12)}), app("app:b", {running(20, 1)})}, {}, 2, 50);
-    EXPECT_DOUBLE_EQ(counters.apps().at("app:a").cpuSeconds, 12);
+    EXPECT_DOUBLE_EQ(counters.app("app:a")->cpuSeconds, 12);
 }
 
 TEST(UsageCounters, DiskAndNetworkCountOnlyWhereMeasured) {
@@ -86,11 +86,11 @@ TEST(UsageCounters, DiskAndNetworkCountOnlyWhereMeasured) {
     counters.record({app("app:a", {reader}), app("app:b", {running(20, 1)})}, system, 2, 50);
     reader.record.diskReadBytes = 6144;
     counters.record({app("app:a", {reader}), app("app:b", {running(20, 1)})}, system, 3, 50);
-    const auto& a = counters.apps().at("app:a");
+    const auto& a = *counters.app("app:a");
     EXPECT_EQ(a.diskReadBytes, 6144);
     EXPECT_EQ(a.networkReceivedBytes, 500); // 100/s over 2 s, then over 3 s
     EXPECT_FALSE(a.diskWrittenBytes);
-    EXPECT_FALSE(counters.apps().at("app:b").diskReadBytes);
+    EXPECT_FALSE(counters.app("app:b")->diskReadBytes);
     EXPECT_DOUBLE_EQ(counters.system().diskWrittenBytes, 250);
     EXPECT_DOUBLE_EQ(counters.system().networkReceivedBytes, 50);
 }

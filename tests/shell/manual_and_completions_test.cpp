@@ -353,8 +353,8 @@ TEST_F(CompletionTest, FishOffersWhatTheProgramTakes) {
 }
 
 // zsh's completion system needs a terminal, so its functions are stood in
-// for: _arguments prints its option specs and runs the actions of its
-// positional ones, whose words _describe and compadd print.
+// for: _arguments prints its option declarations and runs the actions of
+// its positional ones, whose words _describe and compadd print.
 TEST_F(CompletionTest, ZshOffersWhatTheProgramTakes) {
     const auto zsh = shellPath("zsh");
     if (!zsh) {
@@ -365,17 +365,17 @@ _describe() { print -rl -- "word "${^${(P)2}%%:*} }
 compadd() { print -rl -- "word "${^${(P)2}} }
 _pids() {}
 _arguments() {
-    local spec
-    for spec in "$@"; do
-        if [[ $spec == :* ]]; then
-            if [[ ${spec#:*:} == _* ]]; then eval ${spec#:*:}; fi
+    local declared
+    for declared in "$@"; do
+        if [[ $declared == :* ]]; then
+            if [[ ${declared#:*:} == _* ]]; then eval ${declared#:*:}; fi
         else
-            print -r -- "option $spec"
+            print -r -- "option $declared"
         fi
     done
 }
 )";
-    static const std::regex optionSpec(R"(option (-[-a-z]*)\[[^\]]*\](:[^:]*(:\((.*)\))?)?)");
+    static const std::regex optionDeclared(R"(option (-[-a-z]*)\[[^\]]*\](:[^:]*(:\((.*)\))?)?)");
     const auto ask = [&](const std::vector<std::string>& words) {
         Offered offered;
         for (const std::string& line :
@@ -383,17 +383,17 @@ _arguments() {
                         standIns + "words=(loadwarden" + quoted(words) +
                             ")\nCURRENT=" + std::to_string(words.size() + 1) + "\nsource '" +
                             resources + "/completions/_loadwarden'\n")) {
-            std::smatch spec;
+            std::smatch option;
             if (line.starts_with("word ")) {
                 offered.next.insert(line.substr(5));
-            } else if (std::regex_match(line, spec, optionSpec)) {
-                offered.options.insert(spec[1]);
-                if (spec[2].matched) {
-                    std::istringstream values(spec[4]);
-                    offered.values[spec[1]] = {std::istream_iterator<std::string>(values), {}};
+            } else if (std::regex_match(line, option, optionDeclared)) {
+                offered.options.insert(option[1]);
+                if (option[2].matched) {
+                    std::istringstream values(option[4]);
+                    offered.values[option[1]] = {std::istream_iterator<std::string>(values), {}};
                 }
             } else {
-                ADD_FAILURE() << "not a spec of _arguments: " << line;
+                ADD_FAILURE() << "not a declaration of _arguments: " << line;
             }
         }
         return offered;

@@ -11,7 +11,7 @@ using bench::machine;
 using bench::Machine;
 using bench::selfPID;
 
-constexpr std::size_t shownApps = 50;
+constexpr std::size_t shownApps = UsageCounters::defaultShownApps;
 
 void CountATick(benchmark::State& state) {
     const Machine input = machine(static_cast<int>(state.range(0)));

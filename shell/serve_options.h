@@ -2,6 +2,7 @@
 
 #include "core/foundation/date.h"
 #include "core/metrics/listen_address.h"
+#include "core/metrics/usage_counters.h"
 
 #include <optional>
 #include <string>
@@ -15,7 +16,8 @@ struct ServeOptions {
     static constexpr Seconds longestInterval = 60.0;
 
     ListenAddress listen;
-    int apps = 50; // the busiest apps with series of their own
+    // The busiest apps with series of their own.
+    int apps = static_cast<int>(UsageCounters::defaultShownApps);
     std::optional<Seconds> interval; // absent: the user's setting
     bool help = false;
 };

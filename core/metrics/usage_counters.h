@@ -20,6 +20,8 @@ namespace loadwarden {
 // so the number of series stays bounded.
 class UsageCounters {
 public:
+    static constexpr std::size_t defaultShownApps = 50;
+
     struct Totals {
         double cpuSeconds = 0.0;
         // Absent until some process of the app has the figure.

@@ -38,14 +38,10 @@ void PrometheusSharing::set(bool on, quint16 port) {
     emit changed();
 }
 
-QString PrometheusSharing::url() const {
-    return service_ ? service_->url() : QString();
-}
-
 void PrometheusSharing::apply() {
     service_.reset();
     if (on_) {
-        service_ = std::make_unique<MetricsService>(model_, ModelMetrics::defaultShownApps);
+        service_ = std::make_unique<MetricsService>(model_, UsageCounters::defaultShownApps);
         if (const auto error = service_->start({"::", port_})) {
             service_.reset();
             model_.setProblem(failure + QStringLiteral("port %1: %2").arg(port_).arg(*error));

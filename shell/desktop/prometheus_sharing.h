@@ -25,8 +25,6 @@ public:
     quint16 port() const { return port_; }
     // Saved at once; a port that cannot be had becomes the model's problem.
     void set(bool on, quint16 port);
-    // Where the figures are while they are shared; empty otherwise.
-    QString url() const;
 
 signals:
     void changed();

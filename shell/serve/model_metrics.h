@@ -17,8 +17,6 @@ class ModelMetrics : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr std::size_t defaultShownApps = 50;
-
     // The `shownApps` busiest apps have series of their own; the rest share one.
     ModelMetrics(AppModel& model, std::size_t shownApps, QObject* parent = nullptr);
 

@@ -2,6 +2,7 @@
 #include "shell/desktop/prometheus_sharing.h"
 #include "shell/desktop/settings_window.h"
 #include "tests/shell/desktop/window_fixture.h"
+#include "tests/support/http_answer.h"
 
 #include <QCheckBox>
 #include <QSpinBox>
@@ -29,10 +30,7 @@ QByteArray scrapeOnce(quint16 port) {
     socket.write("GET /metrics HTTP/1.1\r\nHost: here\r\n\r\n");
     support::processEventsUntil(
         [&] {
-            const qsizetype head = answer.indexOf("\r\n\r\n");
-            const qsizetype at = answer.indexOf("Content-Length: ");
-            return (head >= 0 && at >= 0 &&
-                    answer.size() >= head + 4 + answer.mid(at + 16).split('\r')[0].toLongLong()) ||
+            return support::isWholeAnswer(answer) ||
                    socket.state() == QAbstractSocket::UnconnectedState;
         },
         3000);

@@ -1,5 +1,6 @@
 #include "shell/serve/metrics_server.h"
 #include "tests/support/event_loop.h"
+#include "tests/support/http_answer.h"
 
 #include <QTcpSocket>
 #include <gtest/gtest.h>
@@ -27,7 +28,8 @@ public:
     // The first whole answer (head and as much body as it announces), or
     // what came before the server closed or the wait ended.
     QByteArray answer() {
-        processEventsUntil([this] { return whole() || closed(); }, 5000);
+        processEventsUntil(
+            [this] { return support::isWholeAnswer(received_, lastWasHead_) || closed(); }, 5000);
         return received_;
     }
     bool connected() const { return socket_.state() == QAbstractSocket::ConnectedState; }
@@ -38,18 +40,6 @@ public:
     void forget() { received_.clear(); }
 
 private:
-    bool whole() const {
-        const qsizetype end = received_.indexOf("\r\n\r\n");
-        if (end < 0) {
-            return false;
-        }
-        // Every answer here says its length, HEAD's too, which has no body.
-        const qsizetype at = received_.indexOf("Content-Length: ");
-        const qsizetype length = received_.mid(at + 16).split('\r').front().toLongLong();
-        const bool bodiless = received_.contains("Content-Length: ") && lastWasHead_;
-        return received_.size() >= end + 4 + (bodiless ? 0 : length);
-    }
-
     QTcpSocket socket_;
     QByteArray received_;
     bool lastWasHead_ = false;

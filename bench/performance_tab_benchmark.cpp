@@ -36,7 +36,7 @@ struct Bench {
     explicit Bench(int cores) {
         for (int tick = 0; tick < static_cast<int>(Series::graphCapacity); ++tick) {
             sample = sampleAt(tick, cores);
-            graphs.record(sample);
+            graphs.record(sample, tick);
             graphs.energy.append(8.0 + 4.0 * std::sin(tick * 0.2));
         }
         // Tall enough that every graph is in view and painted.
@@ -70,7 +70,7 @@ void PerformanceTabTick(benchmark::State& state) {
     int tick = static_cast<int>(Series::graphCapacity);
     for (auto _ : state) {
         bench.sample = sampleAt(++tick, cores);
-        bench.graphs.record(bench.sample);
+        bench.graphs.record(bench.sample, 0.0);
         bench.graphs.energy.append(8.0);
         bench.tab.showFigures(bench.graphs, bench.sample, true);
         bench.tab.render(&bench.canvas);

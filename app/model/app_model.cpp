@@ -174,7 +174,7 @@ void AppModel::scheduleNextPass() {
 void AppModel::applySnapshot(const Snapshot& snapshot) {
     lastGrouped_ =
         ProcessGrouper::group(snapshot.processes, runningApps_.names(snapshot.processes), myPID_);
-    liveGraphs_.record(snapshot.system);
+    liveGraphs_.record(snapshot.system, snapshot.date);
     liveGraphs_.energy.append(energyWatts(snapshot.processes));
     controller_->updateLimits(lastGrouped_);
 
@@ -201,7 +201,7 @@ void AppModel::applySnapshot(const Snapshot& snapshot) {
 }
 
 void AppModel::applyLight(const SystemSample& sample) {
-    liveGraphs_.recordLight(sample);
+    liveGraphs_.recordLight(sample, clock_());
     if (unpublished_) {
         unpublished_->system = sample;
     } else {

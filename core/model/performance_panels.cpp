@@ -1,5 +1,6 @@
 #include "core/model/performance_panels.h"
 
+#include "core/text/duration_format.h"
 #include "core/text/units_format.h"
 
 #include <algorithm>
@@ -16,19 +17,37 @@ constexpr double leastRateTop = 1000.0;      // 1 KB/s
 constexpr double leastSwapTop = 1'000'000.0; // 1 MB
 constexpr double leastEnergyTop = 1.0;       // 1 W
 
-GraphPanel panel(std::string title, const Series& series, std::optional<std::string> figure,
-                 double top = 1.0, std::string topLabel = {}) {
+// `readAt` lines up with the series from the newest value back; a series
+// started afresh (a change of cores) is the shorter.
+GraphPanel panel(std::string title, const Series& series, const Series& readAt,
+                 std::optional<std::string> figure, double top = 1.0,
+                 GraphUnit unit = GraphUnit::fraction) {
     GraphPanel result{.title = std::move(title),
                       .figure = std::move(figure),
                       .capacity = series.capacity(),
                       .top = top,
-                      .topLabel = std::move(topLabel)};
+                      .unit = unit};
     if (result.figure) {
         result.values = series.values();
-    } else {
-        result.topLabel.clear(); // a scale for no line
+        const auto& dates = readAt.values();
+        const std::size_t known = std::min(dates.size(), result.values.size());
+        result.readAt.assign(dates.end() - static_cast<std::ptrdiff_t>(known), dates.end());
     }
     return result;
+}
+
+std::string inWords(GraphUnit unit, double value) {
+    switch (unit) {
+    case GraphUnit::fraction:
+        return formatPercent(value * 100.0);
+    case GraphUnit::bytes:
+        return formatByteAmount(value);
+    case GraphUnit::bytesPerSecond:
+        return formatBytesPerSecond(value);
+    case GraphUnit::watts:
+        return formatWatts(value);
+    }
+    return {};
 }
 
 std::string percentOf(double fraction) {
@@ -94,8 +113,8 @@ std::vector<CoreSection> coreSections(const Graphs& graphs, const SystemSample& 
             if (core < sample.coreUsage.size()) {
                 figure = percentOf(sample.coreUsage[core]);
             }
-            section.cores.push_back(
-                panel("Core " + std::to_string(core + 1), graphs.cores[core], std::move(figure)));
+            section.cores.push_back(panel("Core " + std::to_string(core + 1), graphs.cores[core],
+                                          graphs.readAt, std::move(figure)));
         }
         if (!section.cores.empty()) {
             section.heading = kind == CoreKind::performance  ? "Performance cores"
@@ -111,6 +130,24 @@ std::vector<CoreSection> coreSections(const Graphs& graphs, const SystemSample& 
 }
 
 } // namespace
+
+std::string GraphPanel::scaleLabel(double share) const {
+    return inWords(unit, top * share);
+}
+
+std::string GraphPanel::readout(std::size_t index) const {
+    if (index >= values.size()) {
+        return {};
+    }
+    std::string words = inWords(unit, values[index]);
+    // Dates line up with the newest values; the oldest may have none.
+    const std::size_t undated = values.size() - readAt.size();
+    if (index >= undated) {
+        const Seconds before = readAt.back() - readAt[index - undated];
+        words += " · " + (before < 1.0 ? std::string("now") : abbreviatedDuration(before) + " ago");
+    }
+    return words;
+}
 
 PerformancePanels performancePanels(const Graphs& graphs, const SystemSample& sample,
                                     bool energyKnown) {
@@ -136,20 +173,23 @@ PerformancePanels performancePanels(const Graphs& graphs, const SystemSample& sa
 
     PerformancePanels panels;
     panels.system = {
-        panel("CPU", graphs.cpu, percentOf(sample.cpu())),
-        panel("Memory", graphs.memory, memoryFigure(memory)),
-        panel("Swap", graphs.swap, swapFigure(memory), swapTop, formatByteAmount(swapTop)),
-        panel("GPU", graphs.gpu, std::move(gpuFigure)),
-        panel("Disk read", graphs.diskRead, formatBytesPerSecond(sample.diskReadPerSecond), diskTop,
-              formatBytesPerSecond(diskTop)),
-        panel("Disk write", graphs.diskWrite, formatBytesPerSecond(sample.diskWritePerSecond),
-              diskTop, formatBytesPerSecond(diskTop)),
-        panel("Network in", graphs.netIn, formatBytesPerSecond(sample.networkInPerSecond),
-              networkTop, formatBytesPerSecond(networkTop)),
-        panel("Network out", graphs.netOut, formatBytesPerSecond(sample.networkOutPerSecond),
-              networkTop, formatBytesPerSecond(networkTop)),
-        panel("Battery", graphs.battery, batteryFigure(sample.battery)),
-        panel("Energy", graphs.energy, std::move(energyFigure), energyTop, formatWatts(energyTop)),
+        panel("CPU", graphs.cpu, graphs.quickReadAt, percentOf(sample.cpu())),
+        panel("Memory", graphs.memory, graphs.quickReadAt, memoryFigure(memory)),
+        panel("Swap", graphs.swap, graphs.readAt, swapFigure(memory), swapTop, GraphUnit::bytes),
+        panel("GPU", graphs.gpu, graphs.readAt, std::move(gpuFigure)),
+        panel("Disk read", graphs.diskRead, graphs.readAt,
+              formatBytesPerSecond(sample.diskReadPerSecond), diskTop, GraphUnit::bytesPerSecond),
+        panel("Disk write", graphs.diskWrite, graphs.readAt,
+              formatBytesPerSecond(sample.diskWritePerSecond), diskTop, GraphUnit::bytesPerSecond),
+        panel("Network in", graphs.netIn, graphs.readAt,
+              formatBytesPerSecond(sample.networkInPerSecond), networkTop,
+              GraphUnit::bytesPerSecond),
+        panel("Network out", graphs.netOut, graphs.readAt,
+              formatBytesPerSecond(sample.networkOutPerSecond), networkTop,
+              GraphUnit::bytesPerSecond),
+        panel("Battery", graphs.battery, graphs.readAt, batteryFigure(sample.battery)),
+        panel("Energy", graphs.energy, graphs.readAt, std::move(energyFigure), energyTop,
+              GraphUnit::watts),
     };
     panels.cores = coreSections(graphs, sample);
     return panels;

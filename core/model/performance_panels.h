@@ -10,6 +10,9 @@
 
 namespace loadwarden {
 
+// What a graph's values measure, which says how they read in words.
+enum class GraphUnit { fraction, bytes, bytesPerSecond, watts };
+
 // One graph of the Performance tab, ready to draw.
 struct GraphPanel {
     std::string title;
@@ -17,9 +20,16 @@ struct GraphPanel {
     // is drawn as a dash with no line rather than as a flat zero.
     std::optional<std::string> figure;
     std::vector<double> values; // oldest first; empty without a figure
+    std::vector<Date> readAt;   // when each value was read, where that is known
     std::size_t capacity = Series::graphCapacity;
-    double top = 1.0;     // the value at the top of the graph: 1 for fractions
-    std::string topLabel; // the top in words where the graph scales itself and has a line
+    double top = 1.0; // the value at the top of the graph: 1 for fractions
+    GraphUnit unit = GraphUnit::fraction;
+
+    // A share of the top in words, for the scale: "100%", "5 MB/s".
+    std::string scaleLabel(double share) const;
+    // One value in words with how long before the newest it was read:
+    // "42% · 12s ago", "42% · now".
+    std::string readout(std::size_t index) const;
 
     bool operator==(const GraphPanel&) const = default;
 };

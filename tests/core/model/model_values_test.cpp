@@ -52,7 +52,7 @@ TEST(GraphsTest, RecordsEveryFigureAndStartsCoresAfreshWhenTheirNumberChanges) {
     Graphs graphs;
     SystemSample sample = sampleAt({0.5, 1.0});
     sample.memory.swapUsed = 4096;
-    graphs.record(sample);
+    graphs.record(sample, 10.0);
     EXPECT_EQ(graphs.cpu.values(), std::vector<double>{0.75});
     ASSERT_EQ(graphs.cores.size(), 2u);
     EXPECT_EQ(graphs.cores[1].values(), std::vector<double>{1.0});
@@ -61,15 +61,17 @@ TEST(GraphsTest, RecordsEveryFigureAndStartsCoresAfreshWhenTheirNumberChanges) {
     EXPECT_EQ(graphs.battery.values(), std::vector<double>{0.0});
     EXPECT_TRUE(graphs.energy.values().empty()); // the tick's own
 
-    graphs.record(sampleAt({0.1, 0.2, 0.3, 0.4}));
+    graphs.record(sampleAt({0.1, 0.2, 0.3, 0.4}), 11.0);
     ASSERT_EQ(graphs.cores.size(), 4u);
     for (const Series& core : graphs.cores) {
         EXPECT_EQ(core.values().size(), 1u);
     }
     EXPECT_EQ(graphs.cpu.values().size(), 2u);
 
-    graphs.recordLight(sampleAt({1.0}));
+    graphs.recordLight(sampleAt({1.0}), 16.0);
     EXPECT_EQ(graphs.cpu.values().size(), 3u);
+    EXPECT_EQ(graphs.quickReadAt.values(), (std::vector<double>{10.0, 11.0, 16.0}));
+    EXPECT_EQ(graphs.readAt.values(), (std::vector<double>{10.0, 11.0}));
     EXPECT_EQ(graphs.memory.values().size(), 3u);
     EXPECT_EQ(graphs.diskRead.values().size(), 2u);
     EXPECT_EQ(graphs.cores[0].values().size(), 1u);

@@ -3,6 +3,10 @@
 #include "tests/shell/desktop/desktop_support.h"
 #include "tests/support/event_loop.h"
 
+#include "core/text/units_format.h"
+
+#include <QMouseEvent>
+#include <QTest>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -66,8 +70,8 @@ protected:
     // Records `ticks` more samples and shows the last.
     void run(int ticks, const std::vector<CoreKind>& kinds, bool energyKnown = false) {
         for (int tick = 0; tick < ticks; ++tick) {
-            sample = sampleAt(elapsed++, kinds);
-            graphs.record(sample);
+            sample = sampleAt(elapsed, kinds);
+            graphs.record(sample, elapsed++);
             graphs.energy.append(energyKnown ? 6.0 + 3.0 * std::sin(elapsed * 0.3) : 0.0);
         }
         tab->showFigures(graphs, sample, energyKnown);
@@ -117,7 +121,7 @@ TEST_F(PerformanceTabTest, AFigureTheSystemDoesNotGiveIsADashWithNoLine) {
     // Once the system tells, the figure and its line appear.
     sample.gpu = 0.42;
     sample.battery = BatteryInfo{.percent = 0.64, .onBattery = true};
-    graphs.record(sample);
+    graphs.record(sample, elapsed);
     graphs.energy.append(7.5);
     tab->showFigures(graphs, sample, true);
     support::saveScreenshot(*tab, "performance-all-figures");
@@ -170,6 +174,34 @@ TEST_F(PerformanceTabTest, RedrawsItsBackgroundInADarkPalette) {
     EXPECT_GT(lightPlot.lightness(), 160);
     EXPECT_EQ(darkPlot, dark.color(QPalette::Base));
     EXPECT_GT(linePixels(graph(cpu)), 0);
+}
+
+TEST_F(PerformanceTabTest, PointingAtALineReadsOutAValueAndItsAge) {
+    run(60, standardCores(4));
+    GraphView& reads = graph(diskRead);
+    EXPECT_EQ(reads.scaleText(), "5 MB/s / 2.5 MB/s");
+    EXPECT_EQ(graph(cpu).scaleText(), "100% / 50%");
+    EXPECT_EQ(reads.readout(), "");
+
+    // The newest reading is at the right edge; the pointer finds the nearest.
+    const QPoint newest(reads.width() - GraphView::margin - 2, reads.height() / 2);
+    QMouseEvent move(QEvent::MouseMove, QPointF(newest), reads.mapToGlobal(QPointF(newest)),
+                     Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&reads, &move);
+    EXPECT_TRUE(reads.readout().endsWith(" · now")) << reads.readout().toStdString();
+    EXPECT_EQ(reads.accessibleDescription(), reads.readout());
+    support::saveScreenshot(*tab, "performance-readout");
+
+    // The keyboard walks back from there, a second a reading here.
+    reads.setFocus();
+    QTest::keyClick(&reads, Qt::Key_Left);
+    QTest::keyClick(&reads, Qt::Key_Left);
+    EXPECT_TRUE(reads.readout().endsWith(" · 2s ago")) << reads.readout().toStdString();
+    EXPECT_TRUE(reads.readout().startsWith(QString::fromStdString(
+        formatBytesPerSecond(graphs.diskRead.values()[graphs.diskRead.values().size() - 3]))));
+    QTest::keyClick(&reads, Qt::Key_Escape);
+    EXPECT_EQ(reads.readout(), "");
+    EXPECT_EQ(reads.accessibleDescription(), reads.figureText());
 }
 
 TEST_F(PerformanceTabTest, FollowsTheModelsTicks) {

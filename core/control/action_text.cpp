@@ -33,6 +33,34 @@ std::string ActionText::limitedMark(double percent) {
     return "Limited " + formatPercent(percent);
 }
 
+std::string ActionText::pausedMark() {
+    return "Paused";
+}
+
+std::optional<std::string> ActionText::heldMark(const ProcessGroup& group,
+                                               std::optional<double> limit) {
+    if (limit) {
+        return limitedMark(*limit);
+    }
+    if (group.isPaused()) {
+        return pausedMark();
+    }
+    return std::nullopt;
+}
+
+std::string ActionText::heldSummary(std::size_t paused, std::size_t limited) {
+    const auto apps = [](std::size_t count) {
+        return std::to_string(count) + (count == 1 ? " app " : " apps ");
+    };
+    if (paused == 0 && limited == 0) {
+        return {};
+    }
+    if (paused == 0) {
+        return apps(limited) + "limited";
+    }
+    return apps(paused) + "paused" + (limited == 0 ? "" : " · " + std::to_string(limited) + " limited");
+}
+
 std::string ActionText::quitConfirmation(const ProcessGroup& group) {
     return isApp(group) ? "It’s asked to quit, so it can save first."
                         : "It’s asked to stop, so it can clean up first.";

@@ -19,6 +19,13 @@ std::string resumeTitle(const ProcessGroup& group);
 std::string limitTitle(const ProcessGroup& group, bool isLimited);
 // What a limited group shows: "Limited 50%".
 std::string limitedMark(double percent);
+// What a paused app or process shows.
+std::string pausedMark();
+// What a row shows beside its name when it is held: limited (its app's
+// limit, which stops it in turn) before paused; absent when it runs freely.
+std::optional<std::string> heldMark(const ProcessGroup& group, std::optional<double> limit);
+// What is held, for the meter: "2 apps paused · 1 limited"; empty when nothing is.
+std::string heldSummary(std::size_t paused, std::size_t limited);
 
 // What quitting or ending it does, and what forcing it costs.
 std::string quitConfirmation(const ProcessGroup& group);

@@ -1,5 +1,6 @@
 #include "core/details/process_details.h"
 
+#include "core/control/action_text.h"
 #include "core/text/units_format.h"
 
 namespace loadwarden {
@@ -20,6 +21,27 @@ std::string portsText(const FileInfo& files) {
 // The open files, when they have been read and the system told.
 const FileInfo* knownFiles(ProcessExtras extras) {
     return extras.files && *extras.files ? &**extras.files : nullptr;
+}
+
+// A process held by a limit is stopped and continued in turn: it reads as
+// limited, not as paused one moment and running the next.
+std::string stateText(RunState state, std::optional<double> limit) {
+    if (limit) {
+        return ActionText::limitedMark(*limit);
+    }
+    switch (state) {
+    case RunState::running:
+        return "Running";
+    case RunState::sleeping:
+        return "Sleeping";
+    case RunState::stopped:
+        return ActionText::pausedMark();
+    case RunState::zombie:
+        return "Zombie";
+    case RunState::other:
+        return "Other";
+    }
+    return {};
 }
 
 } // namespace
@@ -65,7 +87,7 @@ std::string factText(ProcessFact fact, const LiveProcess& process, ProcessExtras
     case ProcessFact::user:
         return record.user;
     case ProcessFact::state:
-        return std::string(rawValue(record.state));
+        return stateText(record.state, extras.limit);
     case ProcessFact::cpu:
         return formatPercent(process.rates.cpuPercent);
     case ProcessFact::memory:
@@ -73,7 +95,8 @@ std::string factText(ProcessFact fact, const LiveProcess& process, ProcessExtras
     case ProcessFact::threads:
         return record.threads ? std::to_string(*record.threads) : std::string(noFigure);
     case ProcessFact::architecture:
-        return std::string(rawValue(record.arch));
+        return record.arch == Architecture::unknown ? std::string(noFigure)
+                                                    : std::string(label(record.arch));
     case ProcessFact::madeBy:
         return extras.code ? signerText(extras.code->signer) : std::string(noFigure);
     case ProcessFact::sandboxed:

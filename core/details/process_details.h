@@ -39,6 +39,7 @@ struct ProcessExtras {
     const CodeInfo* code = nullptr;
     // Outer: not read yet; inner: the system tells nothing (another user's process).
     const std::optional<FileInfo>* files = nullptr;
+    std::optional<double> limit; // the CPU limit its app is held to
 };
 
 std::string_view title(ProcessFact fact);

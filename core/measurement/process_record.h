@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 namespace loadwarden {
@@ -24,20 +25,46 @@ struct RawValues<RunState> {
     }};
 };
 
-// `arm` is an ARM processor that is not a Mac's, as Linux runs on; a Mac
-// reports `appleSilicon` or `rosetta` instead.
-enum class Architecture { appleSilicon, intel, rosetta, arm, unknown };
+// A Mac reports `appleSilicon`, `intel` or `rosetta`; other systems name
+// the instruction set the program was built for.
+enum class Architecture { appleSilicon, intel, rosetta, x86_64, x86, arm64, arm, unknown };
 
 template <>
 struct RawValues<Architecture> {
-    static constexpr RawValueTable<Architecture, 5> table{{
+    static constexpr RawValueTable<Architecture, 8> table{{
         {Architecture::appleSilicon, "appleSilicon"},
         {Architecture::intel, "intel"},
         {Architecture::rosetta, "rosetta"},
+        {Architecture::x86_64, "x86_64"},
+        {Architecture::x86, "x86"},
+        {Architecture::arm64, "arm64"},
         {Architecture::arm, "arm"},
         {Architecture::unknown, "unknown"},
     }};
 };
+
+// In words, as a person reads it; empty when unknown.
+constexpr std::string_view label(Architecture architecture) {
+    switch (architecture) {
+    case Architecture::appleSilicon:
+        return "Apple silicon";
+    case Architecture::intel:
+        return "Intel";
+    case Architecture::rosetta:
+        return "Intel (Rosetta)";
+    case Architecture::x86_64:
+        return "x86-64";
+    case Architecture::x86:
+        return "x86";
+    case Architecture::arm64:
+        return "ARM64";
+    case Architecture::arm:
+        return "ARM";
+    case Architecture::unknown:
+        return {};
+    }
+    return {};
+}
 
 // Everything known about one process at one tick. What the kernel would not
 // tell stays absent.

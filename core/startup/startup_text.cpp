@@ -30,7 +30,8 @@ std::string StartupText::runs(const StartupItem& item) {
         return "Always running";
     }
     if (item.runAtLoad) {
-        return "At login";
+        // A system service starts with the computer, before anyone logs in.
+        return !isMac && item.scope == StartupScope::systemDaemon ? "At startup" : "At login";
     }
     if (item.interval) {
         return "Every " + abbreviatedDuration(static_cast<Seconds>(*item.interval));

@@ -10,7 +10,8 @@ namespace loadwarden {
 namespace StartupText {
 
 std::string kind(const StartupItem& item);
-// "Always running", "At login", "Every 1h", "When asked".
+// "Always running", "At login" ("At startup" for a system service
+// elsewhere than on the Mac), "Every 1h", "When asked".
 std::string runs(const StartupItem& item);
 std::string status(const StartupItem& item);
 std::string impact(StartupImpact impact);

@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QVBoxLayout>
+#include <unordered_map>
 
 namespace loadwarden {
 
@@ -43,15 +44,40 @@ DetailsTab::DetailsTab(AppModel& model, QWidget* parent)
     followProcesses();
 }
 
+namespace {
+
+// Each limited app's limit, by the pids of its processes.
+std::unordered_map<std::int32_t, double> limitsByPID(AppModel& model) {
+    std::unordered_map<std::int32_t, double> byPID;
+    const std::map<std::string, double> limits = model.controller().limits();
+    if (limits.empty()) {
+        return byPID;
+    }
+    for (const ProcessGroup& group : model.groups()) {
+        if (const auto limit = limits.find(group.id); limit != limits.end()) {
+            for (const LiveProcess& member : group.members) {
+                byPID.emplace(member.record.pid, limit->second);
+            }
+        }
+    }
+    return byPID;
+}
+
+} // namespace
+
 void DetailsTab::refresh() {
     const auto& codeInfo = model_.codeInfo();
     const auto& fileInfo = model_.fileInfo();
+    const auto limits = limitsByPID(model_);
     rows_.beginRefresh();
     for (const LiveProcess& process : model_.processes()) {
         const auto code = codeInfo.find(process.record.path);
         const auto files = fileInfo.find(process.record.pid);
-        const ProcessExtras extras{code == codeInfo.end() ? nullptr : &code->second,
-                                   files == fileInfo.end() ? nullptr : &files->second};
+        const auto limit = limits.find(process.record.pid);
+        const ProcessExtras extras{
+            .code = code == codeInfo.end() ? nullptr : &code->second,
+            .files = files == fileInfo.end() ? nullptr : &files->second,
+            .limit = limit == limits.end() ? std::nullopt : std::optional(limit->second)};
         SortableRow& row = rows_.row(std::to_string(process.record.pid));
         row.setData(pidColumn, pathRole, QString::fromStdString(process.record.path));
         for (const ProcessFact fact : allProcessFacts) {

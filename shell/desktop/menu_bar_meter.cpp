@@ -1,5 +1,6 @@
 #include "shell/desktop/menu_bar_meter.h"
 
+#include "core/control/action_text.h"
 #include "core/diagnosis/cause_text.h"
 #include "shell/desktop/qt_text.h"
 
@@ -31,7 +32,21 @@ MenuBarMeter::MenuBarMeter(AppModel& model, QObject* parent) : QObject(parent), 
 #endif
     connect(&model_, &AppModel::menuBarChanged, this, &MenuBarMeter::follow);
     connect(&model_, &AppModel::settingsChanged, this, &MenuBarMeter::follow);
+    // What is paused or limited changes with the processes, not the meter's text.
+    connect(&model_, &AppModel::ticked, this, &MenuBarMeter::follow);
     follow();
+}
+
+QString MenuBarMeter::toolTip() const {
+    std::size_t paused = 0;
+    const std::map<std::string, double> limits = model_.controller().limits();
+    for (const ProcessGroup& group : model_.latestGroups()) {
+        paused += group.isPaused() && !limits.contains(group.id) ? 1 : 0;
+    }
+    const std::string& text = model_.menuBar().text;
+    const std::string held = ActionText::heldSummary(paused, limits.size());
+    return QString::fromStdString((text.empty() ? "Loadwarden" : text) +
+                                  (held.empty() ? "" : "\n" + held));
 }
 
 bool MenuBarMeter::isAvailable() {
@@ -49,11 +64,14 @@ bool MenuBarMeter::isShown() const {
 void MenuBarMeter::follow() {
     const MenuBarState& state = model_.menuBar();
 #ifdef __APPLE__
-    statusItem_.show(state);
+    statusItem_.show(state, toolTip().toStdString());
     statusItem_.setVisible(isShown());
 #else
     tray_.setIcon(drawIcon(state));
-    tray_.setToolTip(QString::fromStdString(state.text.empty() ? "Loadwarden" : state.text));
+    // Each change is a message to the tray host: only real ones are sent.
+    if (const QString tip = toolTip(); tip != tray_.toolTip()) {
+        tray_.setToolTip(tip);
+    }
     tray_.setVisible(isShown());
 #endif
 }

@@ -14,7 +14,7 @@
 namespace loadwarden {
 
 // The live meter beside the clock: the processor figure drawn into the icon,
-// the whole meter text as its tooltip, and a menu to open the window, ask
+// the whole meter text and what is paused or limited as its tooltip, and a menu to open the window, ask
 // why the computer is slow, or quit. On macOS a status item instead, titled
 // with the meter text.
 // Where the desktop has no tray, the meter counts as off.
@@ -30,6 +30,8 @@ public:
 
     // The processor figure on a plate that turns warm while an app runs hot.
     static QIcon drawIcon(const MenuBarState& state);
+    // The meter's text, and under it what is held: "1 app paused".
+    QString toolTip() const;
 #ifndef __APPLE__
     QSystemTrayIcon& trayIcon() {
         return tray_;

@@ -35,6 +35,11 @@ QColor heatColor(int heat) {
     return color;
 }
 
+// The name, and beside it how the row is held.
+std::string labelOf(const std::string& name, const std::optional<std::string>& held) {
+    return held ? name + "  " + *held : name;
+}
+
 } // namespace
 
 struct ProcessTreeModel::Node {
@@ -113,10 +118,10 @@ void ProcessTreeModel::rebuild() {
         row->key = group.id;
         row->group = group;
         row->section = group.kind;
-        row->label = group.name;
-        if (const auto limit = limits_.find(group.id); limit != limits_.end()) {
-            row->label += "  " + ActionText::limitedMark(limit->second);
-        }
+        const auto limited = limits_.find(group.id);
+        const auto limit =
+            limited == limits_.end() ? std::nullopt : std::optional<double>(limited->second);
+        row->label = labelOf(group.name, ActionText::heldMark(group, limit));
         row->figures = groupFigures(group);
         if (group.members.size() > 1) {
             const auto visible = ProcessGrouper::visibleMembers(group, search_);
@@ -130,7 +135,8 @@ void ProcessTreeModel::rebuild() {
                 memberRow->group = ProcessGrouper::memberGroup(member.record.pid, group, getpid())
                                        .value_or(ProcessGroup{});
                 memberRow->section = group.kind;
-                memberRow->label = member.record.name;
+                memberRow->label =
+                    labelOf(member.record.name, ActionText::heldMark(memberRow->group, limit));
                 memberRow->figures = memberFigures(member);
                 row->children.push_back(std::move(memberRow));
             }

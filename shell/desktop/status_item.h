@@ -3,6 +3,7 @@
 #include "core/model/menu_bar_state.h"
 
 #include <memory>
+#include <string>
 
 class QMenu;
 
@@ -17,7 +18,7 @@ public:
     StatusItem(const StatusItem&) = delete;
     StatusItem& operator=(const StatusItem&) = delete;
 
-    void show(const MenuBarState& state);
+    void show(const MenuBarState& state, const std::string& toolTip);
     void setVisible(bool visible);
 
 private:

@@ -40,7 +40,7 @@ TEST(SnapshotReport, BusiestFirstWithDashesForWhatIsUnknown) {
     const std::string line = report.substr(lineStart, report.find('\n', some) - lineStart);
     EXPECT_NE(line.find("13%"), std::string::npos) << line;
     EXPECT_NE(line.find("2 MB"), std::string::npos) << line;
-    EXPECT_NE(line.find("2.5 MB/s            -       -        4  sleeping"), std::string::npos)
+    EXPECT_NE(line.find("2.5 MB/s            -       -        4  Sleeping"), std::string::npos)
         << line;
     EXPECT_NE(report.find("87%"), std::string::npos) << "the busy one's graphics share";
     EXPECT_NE(report.find("CPU         75% of 2 cores (performance 100%, efficiency 50%)"),

@@ -118,12 +118,14 @@ Architecture architectureFromELFHeader(std::string_view header) {
     const bool bigEndian = header[5] == 2;
     const unsigned machine = bigEndian ? (low << 8) | high : (high << 8) | low;
     switch (machine) {
-    case 3:  // i386
+    case 3: // i386
+        return Architecture::x86;
     case 62: // x86-64
-        return Architecture::intel;
-    case 40:  // 32-bit ARM
-    case 183: // AArch64
+        return Architecture::x86_64;
+    case 40: // 32-bit ARM
         return Architecture::arm;
+    case 183: // AArch64
+        return Architecture::arm64;
     default:
         return Architecture::unknown;
     }

@@ -33,7 +33,7 @@ StatusItem::~StatusItem() {
     }
 }
 
-void StatusItem::show(const MenuBarState& state) {
+void StatusItem::show(const MenuBarState& state, const std::string& toolTip) {
     @autoreleasepool {
         // Nil for text that is not UTF-8; a blank title would leave nothing to click.
         NSString* title = [NSString stringWithUTF8String:state.text.c_str()];
@@ -49,6 +49,7 @@ void StatusItem::show(const MenuBarState& state) {
             initWithString:title
                 attributes:@{NSFontAttributeName : font, NSForegroundColorAttributeName : colour}]
             autorelease];
+        native_->item.button.toolTip = [NSString stringWithUTF8String:toolTip.c_str()];
     }
 }
 

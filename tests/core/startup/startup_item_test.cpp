@@ -1,5 +1,7 @@
 #include "core/startup/linux/linux_startup.h"
 #include "core/startup/startup_item.h"
+#include "core/startup/startup_text.h"
+#include "core/text/platform_wording.h"
 
 #include <gtest/gtest.h>
 
@@ -143,6 +145,16 @@ TEST(LinuxStartupTest, SwitchingKeepsWhatTheUserWroteInTheirCopy) {
               "# mine\n[Desktop Entry]\nHidden=true\nName=Notes\n[Action x]\nHidden=true\n");
     EXPECT_EQ(std::get<WriteFile>(*change(own, true, folder, text)).text,
               "# mine\n[Desktop Entry]\nName=Notes\n[Action x]\nHidden=true\n");
+}
+
+TEST(StartupTextTest, ASystemServiceRunsAtStartupAndTheUsersAtLogin) {
+    StartupItem item{.label = "backup.service", .runAtLoad = true};
+    item.scope = StartupScope::userAgent;
+    EXPECT_EQ(StartupText::runs(item), "At login");
+    item.scope = StartupScope::systemDaemon;
+    EXPECT_EQ(StartupText::runs(item), onThisPlatform("At login", "At startup"));
+    item.keepAlive = true;
+    EXPECT_EQ(StartupText::runs(item), "Always running");
 }
 
 } // namespace loadwarden

@@ -1,6 +1,8 @@
 // The window: acting on a process, the program itself, shortcuts, the
 // meter, the settings and the About box.
+#include "core/details/process_details.h"
 #include "core/foundation/program.h"
+#include "shell/desktop/details_tab.h"
 #include "shell/desktop/menu_bar_meter.h"
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/settings_window.h"
@@ -39,11 +41,34 @@ TEST_F(MainWindowTest, ActsOnAProcessFromItsMenuAndConfirmsAForceQuit) {
     ASSERT_NE(pause, nullptr);
     pause->trigger();
     EXPECT_EQ(support::settlesAt(spinner, 'T'), 'T');
-    // The next refresh shows it paused, and the same command resumes it.
+    // The next refresh marks it paused in the row, in Details and in the
+    // meter's tooltip, and the same command resumes it.
+    MenuBarMeter meter(*model);
+    const auto nameCell = [&] { return spinnerRow().data().toString(); };
+    const auto detailsState = [&] {
+        SortableRow* row = window->detailsTab().rowOf(spinner);
+        return row ? row->text(static_cast<int>(ProcessFact::state)) : QString();
+    };
     ASSERT_TRUE(support::processEventsUntil(
         [&] { return spinnerRow().isValid() && table().groupAt(spinnerRow())->isPaused(); }));
+    window->showTab(Tab::details);
+    ASSERT_TRUE(support::processEventsUntil([&] { return detailsState() == "Paused"; }));
+    window->showTab(Tab::processes);
+    EXPECT_TRUE(nameCell().endsWith("  Paused")) << nameCell().toStdString();
+    support::saveScreenshot(*window, "window-paused");
+#ifndef __APPLE__
+    EXPECT_TRUE(meter.trayIcon().toolTip().endsWith("\n1 app paused"))
+        << meter.trayIcon().toolTip().toStdString();
+#endif
     window->actions().pauseOrResume(*table().groupAt(spinnerRow()));
     EXPECT_EQ(support::settlesAt(spinner, 'R'), 'R');
+    ASSERT_TRUE(support::processEventsUntil([&] { return !nameCell().contains("Paused"); }));
+#ifndef __APPLE__
+    EXPECT_FALSE(meter.trayIcon().toolTip().contains("paused"));
+#endif
+    window->showTab(Tab::details);
+    ASSERT_TRUE(support::processEventsUntil([&] { return detailsState() != "Paused"; }));
+    window->showTab(Tab::processes);
 
     // While the user decides, the model holds what waits for the answer.
     QTimer::singleShot(0, [&] {

@@ -32,9 +32,13 @@ using ::testing::HasSubstr;
 
 // The instruction set this suite was built for, as the sampler names it.
 constexpr Architecture builtFor =
-#if defined(__x86_64__) || defined(__i386__)
-    Architecture::intel;
-#elif defined(__aarch64__) || defined(__arm__)
+#if defined(__x86_64__)
+    Architecture::x86_64;
+#elif defined(__i386__)
+    Architecture::x86;
+#elif defined(__aarch64__)
+    Architecture::arm64;
+#elif defined(__arm__)
     Architecture::arm;
 #else
     Architecture::unknown;

@@ -74,10 +74,10 @@ TEST(ProcFiles, ArchitectureFromTheELFMachine) {
         bytes += static_cast<char>(machineHigh);
         return bytes;
     };
-    EXPECT_EQ(architectureFromELFHeader(header(62, 0)), Architecture::intel);
-    EXPECT_EQ(architectureFromELFHeader(header(3, 0)), Architecture::intel);
-    EXPECT_EQ(architectureFromELFHeader(header(183, 0)), Architecture::arm);
-    EXPECT_EQ(architectureFromELFHeader(header(0, 183, 2)), Architecture::arm);
+    EXPECT_EQ(architectureFromELFHeader(header(62, 0)), Architecture::x86_64);
+    EXPECT_EQ(architectureFromELFHeader(header(3, 0)), Architecture::x86);
+    EXPECT_EQ(architectureFromELFHeader(header(183, 0)), Architecture::arm64);
+    EXPECT_EQ(architectureFromELFHeader(header(0, 183, 2)), Architecture::arm64);
     EXPECT_EQ(architectureFromELFHeader(header(40, 0)), Architecture::arm);
     EXPECT_EQ(architectureFromELFHeader(header(243, 0)), Architecture::unknown); // RISC-V
     EXPECT_EQ(architectureFromELFHeader("#!/bin/sh\nexec something else"), Architecture::unknown);

@@ -87,8 +87,10 @@ int main(int argc, char** argv) {
     QObject::connect(&quitNotifier, &QSocketNotifier::activated, &application, &QApplication::quit);
     // The loop stops, everything held runs again, the history is saved.
     QObject::connect(&application, &QApplication::aboutToQuit, &model, &AppModel::prepareToQuit);
+    QObject::connect(&application, &QApplication::aboutToQuit, &window, &MainWindow::saveLayout);
 
     model.start();
+    window.restoreLayout();
     window.show();
     if (!model.settings().onboardingDone) {
         QMetaObject::invokeMethod(&window, welcome, Qt::QueuedConnection);

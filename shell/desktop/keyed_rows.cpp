@@ -1,5 +1,9 @@
 #include "shell/desktop/keyed_rows.h"
 
+#include "shell/desktop/column_chooser.h"
+
+#include <QHeaderView>
+
 namespace loadwarden {
 
 bool SortableRow::operator<(const QTreeWidgetItem& other) const {
@@ -22,6 +26,7 @@ KeyedRows::KeyedRows(QTreeWidget& table, const QStringList& titles, const QStrin
     table_.setSortingEnabled(true);
     table_.sortByColumn(sortColumn, Qt::DescendingOrder);
     table_.setAccessibleName(name);
+    offerColumnChoice(*table_.header());
 }
 
 void KeyedRows::beginRefresh() {

@@ -2,6 +2,7 @@
 
 #include "core/text/platform_wording.h"
 #include "shell/desktop/about_box.h"
+#include "shell/desktop/column_chooser.h"
 #include "shell/desktop/command_palette.h"
 #include "shell/desktop/delete_history.h"
 #include "shell/desktop/details_tab.h"
@@ -13,6 +14,9 @@
 #include "shell/desktop/why_sheet.h"
 
 #include <QEvent>
+#include <QHeaderView>
+#include <QTreeView>
+#include <QTreeWidget>
 #include <QLabel>
 #include <QMenuBar>
 #include <QStatusBar>
@@ -66,6 +70,37 @@ void MainWindow::showTab(Tab tab) {
     tabs_->setCurrentIndex(static_cast<int>(tab));
 }
 
+Tab MainWindow::currentTab() const {
+    return allTabs[static_cast<std::size_t>(tabs_->currentIndex())];
+}
+
+std::vector<std::pair<std::string, QHeaderView*>> MainWindow::tableHeaders() {
+    return {{"processes", processes_->view().header()},
+            {"history", history_->table().header()},
+            {"startup", startup_->table().header()},
+            {"details", details_->table().header()}};
+}
+
+void MainWindow::saveLayout() {
+    if (!memory_.save(*this)) {
+        model_.setProblem(QStringLiteral("The window’s layout couldn’t be saved."));
+    }
+}
+
+// The current tab's columns; the Performance tab has none.
+void MainWindow::fillColumnsMenu(QMenu& menu) {
+    menu.clear();
+    const std::string_view current = rawValue(currentTab());
+    for (const auto& [name, header] : tableHeaders()) {
+        if (name == current) {
+            fillColumnMenu(menu, *header);
+        }
+    }
+    if (menu.isEmpty()) {
+        menu.addAction(QStringLiteral("No Columns on This Tab"))->setEnabled(false);
+    }
+}
+
 void MainWindow::showWhySheet() {
     model_.setSheet(Sheet::whySlow);
     why_->show();
@@ -103,6 +138,8 @@ void MainWindow::buildMenus() {
         processes_->focusSearch();
     });
     find->setShortcut(QKeySequence::Find);
+    QMenu* columns = view->addMenu(QStringLiteral("Columns"));
+    connect(columns, &QMenu::aboutToShow, this, [this, columns] { fillColumnsMenu(*columns); });
     view->addSeparator();
     QAction* why =
         view->addAction(qtText(onThisPlatform("Why Is My Mac Slow?", "Why Is My Computer Slow?")),
@@ -182,6 +219,11 @@ void MainWindow::showEvent(QShowEvent* event) {
 void MainWindow::hideEvent(QHideEvent* event) {
     QMainWindow::hideEvent(event);
     followVisibility();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    saveLayout();
+    QMainWindow::closeEvent(event);
 }
 
 void MainWindow::changeEvent(QEvent* event) {

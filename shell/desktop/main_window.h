@@ -3,10 +3,15 @@
 #include "app/model/app_model.h"
 #include "core/model/window_state.h"
 #include "shell/desktop/process_actions.h"
+#include "shell/desktop/window_memory.h"
 
 #include <QMainWindow>
+#include <string>
+#include <utility>
+#include <vector>
 
 class QAction;
+class QHeaderView;
 class QLabel;
 class QMenu;
 class QTabWidget;
@@ -23,7 +28,7 @@ class WhySheet;
 
 // The window: the five tabs, the menu commands on the selected row, the two
 // sheets, the settings and the problem line. Its visibility sets the
-// model's cadence.
+// model's cadence; its layout is remembered as it closes.
 class MainWindow : public QMainWindow {
     Q_OBJECT
 
@@ -42,6 +47,12 @@ public:
     CommandPalette& palette() { return *palette_; }
 
     void showTab(Tab tab);
+    Tab currentTab() const;
+    // Each table's header, by the name its columns are remembered under.
+    std::vector<std::pair<std::string, QHeaderView*>> tableHeaders();
+    // The layout of the last run, before the window is first shown.
+    void restoreLayout() { memory_.restore(*this); }
+    void saveLayout();
     // Shown, raised and given the keyboard, from the meter or a second launch.
     void bringForward();
     void showWhySheet();
@@ -55,13 +66,16 @@ protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void buildMenus();
+    void fillColumnsMenu(QMenu& menu);
     void updateCommands();
     void followVisibility();
 
     AppModel& model_;
+    WindowMemory memory_;
     ProcessActions actions_;
     QTabWidget* tabs_;
     ProcessesTab* processes_;

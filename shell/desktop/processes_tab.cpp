@@ -1,8 +1,11 @@
 #include "shell/desktop/processes_tab.h"
 
 #include "core/control/action_text.h"
+#include "core/model/machine_summary.h"
+#include "shell/desktop/column_chooser.h"
 
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QTreeView>
@@ -18,7 +21,7 @@ constexpr int figureColumnWidth = 90;
 
 ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* parent)
     : QWidget(parent), model_(model), actions_(actions), search_(new QLineEdit(this)),
-      view_(new QTreeView(this)) {
+      view_(new QTreeView(this)), summary_(new QLabel(this)) {
     search_->setPlaceholderText(QStringLiteral("Search apps and processes"));
     search_->setClearButtonEnabled(true);
     search_->setAccessibleName(QStringLiteral("Search"));
@@ -37,10 +40,16 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
         header->setSectionResizeMode(column, QHeaderView::Interactive);
         header->resizeSection(column, figureColumnWidth);
     }
+    offerColumnChoice(*header);
+    // However long the line grows, it never widens the window.
+    summary_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    summary_->setMinimumHeight(summary_->fontMetrics().height());
+    summary_->setTextFormat(Qt::PlainText);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(search_);
     layout->addWidget(view_);
+    layout->addWidget(summary_);
 
     // The model keeps what the views share: the filter, the sorting, the
     // groups opened and the selected group.
@@ -61,6 +70,8 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
         }
     });
     connect(&model_, &AppModel::groupsChanged, this, &ProcessesTab::refresh);
+    connect(&model_, &AppModel::processesChanged, this, &ProcessesTab::showSummary);
+    connect(&model_, &AppModel::systemChanged, this, &ProcessesTab::showSummary);
     connect(view_, &QTreeView::customContextMenuRequested, this, &ProcessesTab::showMenu);
     connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] {
         const ProcessGroup* group = selectedGroup();
@@ -77,6 +88,15 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
                 }
             });
     refresh();
+    showSummary();
+}
+
+// Blank until the first reading, rather than a machine of nothing.
+void ProcessesTab::showSummary() {
+    const auto& processes = model_.processes();
+    summary_->setText(processes.empty() ? QString()
+                                        : QString::fromStdString(
+                                              machineSummary(processes.size(), model_.system())));
 }
 
 void ProcessesTab::refresh() {

@@ -6,6 +6,7 @@
 
 #include <QWidget>
 
+class QLabel;
 class QLineEdit;
 class QTreeView;
 
@@ -13,7 +14,7 @@ namespace loadwarden {
 
 // The Processes tab: the search field over the table of apps and their
 // processes, refreshed in place, with each row's actions on right-click or
-// the menu key.
+// the menu key, and the whole machine at a glance under it.
 class ProcessesTab : public QWidget {
     Q_OBJECT
 
@@ -29,6 +30,7 @@ public:
     void showGroup(const std::string& groupID);
 
     QTreeView& view() { return *view_; }
+    QLabel& summary() { return *summary_; }
     ProcessTreeModel& tableModel() { return table_; }
 
 signals:
@@ -36,6 +38,7 @@ signals:
 
 private:
     void refresh();
+    void showSummary();
     void showMenu(const QPoint& position);
 
     AppModel& model_;
@@ -43,6 +46,7 @@ private:
     ProcessTreeModel table_;
     QLineEdit* search_;
     QTreeView* view_;
+    QLabel* summary_;
 };
 
 } // namespace loadwarden

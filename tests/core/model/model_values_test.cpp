@@ -1,6 +1,8 @@
 #include "core/model/app_settings.h"
 #include "core/model/graphs.h"
+#include "core/model/machine_summary.h"
 #include "core/model/menu_bar_state.h"
+#include "core/model/window_layout.h"
 #include "tests/core/grouping/process_fixtures.h"
 
 #include <gtest/gtest.h>
@@ -46,6 +48,33 @@ TEST(AppSettingsTest, DamagedValuesDoNotDecode) {
     json["interval"] = "5";
     EXPECT_EQ(decodeSettings(json.dump()), std::nullopt);
     EXPECT_EQ(decodeSettings("{not json"), std::nullopt);
+}
+
+TEST(WindowLayoutTest, OnlyAWholeLayoutDecodes) {
+    const WindowLayout layout{.geometry = "AdnQywADAAAAAA",
+                              .tab = Tab::details,
+                              .tables = {{"processes", "AAAA/wAAAAA"}, {"details", ""}}};
+    EXPECT_EQ(decodeWindowLayout(encodeWindowLayout(layout)), layout);
+
+    auto json = nlohmann::json::parse(encodeWindowLayout(layout));
+    json["tab"] = "sidebar";
+    EXPECT_EQ(decodeWindowLayout(json.dump()), std::nullopt);
+    json = nlohmann::json::parse(encodeWindowLayout(layout));
+    json["tables"]["processes"] = 7;
+    EXPECT_EQ(decodeWindowLayout(json.dump()), std::nullopt);
+    json = nlohmann::json::parse(encodeWindowLayout(layout));
+    json.erase("geometry");
+    EXPECT_EQ(decodeWindowLayout(json.dump()), std::nullopt);
+    EXPECT_EQ(decodeWindowLayout("[]"), std::nullopt);
+    EXPECT_EQ(decodeWindowLayout(""), std::nullopt);
+}
+
+TEST(MachineSummaryTest, CountsProcessesAndGivesProcessorAndMemory) {
+    SystemSample sample = sampleAt({0.5, 0.25});
+    sample.memory.total = 16'000'000'000;
+    sample.memory.app = 7'100'000'000;
+    EXPECT_EQ(machineSummary(312, sample), "312 processes · CPU 38% · Memory 7.1 GB of 16 GB");
+    EXPECT_EQ(machineSummary(1, sampleAt({})), "1 process · CPU 0% · Memory 0 bytes of 0 bytes");
 }
 
 TEST(GraphsTest, RecordsEveryFigureAndStartsCoresAfreshWhenTheirNumberChanges) {

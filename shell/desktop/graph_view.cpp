@@ -3,6 +3,7 @@
 #include "core/text/units_format.h"
 #include "shell/desktop/qt_text.h"
 
+#include <QAccessibleWidget>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -33,9 +34,21 @@ QFont titleFont(QFont font) {
     return font;
 }
 
+// Screen readers meet a graph as a chart, named by its title and described
+// by its figure.
+QAccessibleInterface* graphAccessible(const QString& className, QObject* object) {
+    auto* widget = qobject_cast<QWidget*>(object);
+    if (className != QLatin1String(GraphView::staticMetaObject.className()) || !widget) {
+        return nullptr;
+    }
+    return new QAccessibleWidget(widget, QAccessible::Chart);
+}
+
 } // namespace
 
 GraphView::GraphView(QWidget* parent) : QWidget(parent) {
+    static const bool accessible = (QAccessible::installFactory(graphAccessible), true);
+    Q_UNUSED(accessible);
     setAttribute(Qt::WA_OpaquePaintEvent); // the background picture covers every pixel
     setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);

@@ -37,6 +37,7 @@ MainWindow::MainWindow(AppModel& model, QWidget* parent)
          std::initializer_list<QWidget*>{processes_, performance_, history_, startup_, details_}) {
         const Tab tab = allTabs[static_cast<std::size_t>(tabs_->count())];
         tabs_->addTab(page, qtText(title(tab)));
+        page->setAccessibleName(qtText(title(tab)));
     }
     tabs_->setDocumentMode(true);
     setCentralWidget(tabs_);

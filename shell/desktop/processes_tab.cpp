@@ -4,10 +4,13 @@
 #include "core/model/machine_summary.h"
 #include "shell/desktop/column_chooser.h"
 
+#include <QContextMenuEvent>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -24,6 +27,9 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
       view_(new QTreeView(this)), summary_(new QLabel(this)) {
     search_->setPlaceholderText(QStringLiteral("Search apps and processes"));
     search_->setClearButtonEnabled(true);
+    for (QToolButton* clear : search_->findChildren<QToolButton*>()) {
+        clear->setAccessibleName(QStringLiteral("Clear Search"));
+    }
     search_->setAccessibleName(QStringLiteral("Search"));
 
     view_->setModel(&table_);
@@ -73,6 +79,7 @@ ProcessesTab::ProcessesTab(AppModel& model, ProcessActions& actions, QWidget* pa
     connect(&model_, &AppModel::processesChanged, this, &ProcessesTab::showSummary);
     connect(&model_, &AppModel::systemChanged, this, &ProcessesTab::showSummary);
     connect(view_, &QTreeView::customContextMenuRequested, this, &ProcessesTab::showMenu);
+    view_->installEventFilter(this);
     connect(view_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this] {
         const ProcessGroup* group = selectedGroup();
         model_.setSelection(group ? std::optional(group->id) : std::nullopt);
@@ -130,6 +137,27 @@ void ProcessesTab::showGroup(const std::string& groupID) {
         view_->scrollTo(row);
         view_->setFocus();
     }
+}
+
+// The menu key, or Shift-F10, opens the selected row's menu beside it. The
+// keys are handled here, not left to the window system, which may say nothing.
+bool ProcessesTab::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != view_) {
+        return QWidget::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::ContextMenu &&
+        static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard) {
+        return true;
+    }
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Menu ||
+            (key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier)) {
+            showMenu(view_->visualRect(view_->currentIndex()).center());
+            return true;
+        }
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void ProcessesTab::showMenu(const QPoint& position) {

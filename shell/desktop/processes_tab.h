@@ -36,6 +36,9 @@ public:
 signals:
     void selectionChanged();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void refresh();
     void showSummary();

@@ -160,13 +160,7 @@ TEST_F(PerformanceTabTest, RedrawsItsBackgroundInADarkPalette) {
     const QPoint inPlot(graph(battery).width() / 2 + 10, graph(battery).height() / 2 + 8);
     const QColor lightPlot = graph(battery).grab().toImage().pixelColor(inPlot);
 
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(0x2b, 0x2b, 0x2e));
-    dark.setColor(QPalette::WindowText, QColor(0xe6, 0xe6, 0xe6));
-    dark.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
-    dark.setColor(QPalette::Text, QColor(0xe6, 0xe6, 0xe6));
-    dark.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0xa0));
-    dark.setColor(QPalette::Highlight, QColor(0x4a, 0x9e, 0xff));
+    const QPalette dark = support::darkPalette();
     tab->setPalette(dark);
     QApplication::processEvents();
     support::saveScreenshot(*tab, "performance-dark");

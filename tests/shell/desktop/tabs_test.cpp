@@ -187,19 +187,29 @@ TEST_F(TabsTest, ThePaletteFindsAnAppByAFragmentAndPausesIt) {
     EXPECT_EQ(model->sheet(), std::nullopt);
 }
 
-TEST_F(TabsTest, ShortcutsReachEveryTab) {
+// Each tab in a light and a dark palette, at this run's scale: a second run
+// at twice the scale makes the pictures for high-density screens.
+TEST_F(TabsTest, ShortcutsReachEveryTabInLightAndDark) {
     // Some rates and a few points in the graphs make the pictures worth a look.
     ASSERT_TRUE(support::processEventsUntil([&] { return model->sampleCount() >= 4; }));
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    for (const Tab tab : allTabs) {
-        QTest::keyClick(window.get(), static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(tab)),
-                        Qt::ControlModifier);
-        EXPECT_EQ(window->tabs().currentIndex(), static_cast<int>(tab));
-        EXPECT_EQ(model->tab(), tab);
-        QTest::qWait(100); // a tab catches up on what it missed while hidden
-        support::saveScreenshot(*window, "tab-" + std::string(rawValue(tab)));
+    const std::string scale = window->devicePixelRatioF() > 1 ? "@2x" : "";
+    const QPalette light = QApplication::palette();
+    for (const auto& [palette, name] :
+         {std::pair(light, std::string()), std::pair(support::darkPalette(), std::string("-dark"))}) {
+        QApplication::setPalette(palette);
+        for (const Tab tab : allTabs) {
+            QTest::keyClick(window.get(),
+                            static_cast<Qt::Key>(Qt::Key_1 + static_cast<int>(tab)),
+                            Qt::ControlModifier);
+            EXPECT_EQ(window->tabs().currentIndex(), static_cast<int>(tab));
+            EXPECT_EQ(model->tab(), tab);
+            QTest::qWait(100); // a tab catches up on what it missed while hidden
+            support::saveScreenshot(*window, "tab-" + std::string(rawValue(tab)) + name + scale);
+        }
     }
+    QApplication::setPalette(light);
 }
 
 } // namespace

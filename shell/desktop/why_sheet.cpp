@@ -5,6 +5,7 @@
 #include "shell/desktop/qt_text.h"
 #include "shell/desktop/reveal_file.h"
 
+#include <QAccessibleWidget>
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -33,6 +34,28 @@ QStyle::StandardPixmap severity(double score) {
         return QStyle::SP_MessageBoxCritical;
     }
     return score >= 50 ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
+}
+
+const QString cardName = QStringLiteral("card");
+
+// Screen readers meet a card as a group named by its title.
+QAccessibleInterface* cardAccessible(const QString& className, QObject* object) {
+    auto* widget = qobject_cast<QWidget*>(object);
+    if (className != QLatin1String("QFrame") || !widget || widget->objectName() != cardName) {
+        return nullptr;
+    }
+    return new QAccessibleWidget(widget, QAccessible::Grouping);
+}
+
+// A framed card, named for screen readers.
+QFrame* newCard(const QString& title) {
+    static const bool accessible = (QAccessible::installFactory(cardAccessible), true);
+    Q_UNUSED(accessible);
+    auto* card = new QFrame;
+    card->setObjectName(cardName);
+    card->setFrameShape(QFrame::StyledPanel);
+    card->setAccessibleName(title);
+    return card;
 }
 
 QLabel* wrappedLabel(const QString& words, QWidget* parent) {
@@ -123,8 +146,7 @@ void WhySheet::rebuildCards() {
         delete item;
     }
     if (causes_.empty()) {
-        auto* allClear = new QFrame;
-        allClear->setFrameShape(QFrame::StyledPanel);
+        auto* allClear = newCard(qtText(CauseText::allClearTitle()));
         auto* layout = new QVBoxLayout(allClear);
         auto* title = wrappedLabel(qtText(CauseText::allClearTitle()), allClear);
         title->setStyleSheet(QStringLiteral("font-weight: bold"));
@@ -140,8 +162,7 @@ void WhySheet::rebuildCards() {
 
 QWidget* WhySheet::card(std::size_t index) {
     const Cause& cause = causes_[index];
-    auto* frame = new QFrame;
-    frame->setFrameShape(QFrame::StyledPanel);
+    auto* frame = newCard(qtText(CauseText::title(cause)));
     auto* symbol = new QLabel(frame);
     symbol->setPixmap(style()->standardIcon(severity(cause.score)).pixmap(32, 32));
     symbol->setAlignment(Qt::AlignTop);
@@ -165,7 +186,6 @@ QWidget* WhySheet::card(std::size_t index) {
     auto* layout = new QHBoxLayout(frame);
     layout->addWidget(symbol);
     layout->addLayout(words, 1);
-    frame->setAccessibleName(title->text());
     return frame;
 }
 

@@ -164,6 +164,28 @@ for wanted in [("text", "Search"), ("tree", "Processes"), ("page tab list", "Pro
         fail(f"Tab never reached {wanted}; it reached {sorted(focused)}")
 
 
+# The sheets: named cards, named palette lines, and Escape closes each.
+def sheet(title):
+    return next((node for node in walk(app) if node.getRole() == pyatspi.ROLE_DIALOG and
+                 node.name == title and node.getState().contains(pyatspi.STATE_SHOWING)), None)
+
+
+keys("ctrl+j")
+why = wait_for("the why sheet", lambda: sheet("Why is my computer slow?"))
+cards = [node for node in walk(why) if node.getRole() == pyatspi.ROLE_PANEL and node.name]
+if not cards:
+    fail("the why sheet has no named cards")
+print("cards:", [card.name for card in cards])
+keys("Escape")
+wait_for("the why sheet to close", lambda: sheet("Why is my computer slow?") is None)
+keys("ctrl+k")
+palette = wait_for("the palette", lambda: sheet("Command Palette"))
+lines = named(palette, pyatspi.ROLE_LIST, "Commands", into_tables=True)
+if lines is None or lines.childCount == 0 or not lines.getChildAtIndex(0).name:
+    fail("the palette's lines are not named")
+keys("Escape")
+wait_for("the palette to close", lambda: sheet("Command Palette") is None)
+
 # Pause and resume the target with the keyboard: find it, select it, open its menu.
 def row_cell():
     return named(processes, pyatspi.ROLE_TABLE_CELL, target_name, into_tables=True) or next(

@@ -2,6 +2,7 @@
 // meter, the settings and the About box.
 #include "core/details/process_details.h"
 #include "core/foundation/program.h"
+#include "core/model/machine_summary.h"
 #include "shell/desktop/details_tab.h"
 #include "shell/desktop/menu_bar_meter.h"
 #include "shell/desktop/qt_text.h"
@@ -115,6 +116,18 @@ TEST_F(MainWindowTest, ShortcutsReachTheSearchAndTheTabs) {
     support::saveScreenshot(*window, "window-search");
     QTest::keyClick(window.get(), Qt::Key_1, Qt::ControlModifier);
     EXPECT_EQ(window->tabs().currentIndex(), 0);
+}
+
+TEST_F(MainWindowTest, TheMachinesLineFollowsTheModelWithoutResizingTheWindow) {
+    const QSize size = window->size();
+    QLabel& summary = window->processesTab().summary();
+    const auto matches = [&] {
+        return !model->processes().empty() &&
+               summary.text().toStdString() ==
+                   machineSummary(model->processes().size(), model->system());
+    };
+    ASSERT_TRUE(support::processEventsUntil([&] { return model->sampleCount() >= 3 && matches(); }));
+    EXPECT_EQ(window->size(), size);
 }
 
 TEST_F(MainWindowTest, TheMeterAndTheSettingsFollowTheModel) {

@@ -1,7 +1,6 @@
 #include "app/sampling/sampler.h"
 
 #include "core/foundation/checked_arithmetic.h"
-#include "core/measurement/rates.h"
 
 #include <utility>
 
@@ -85,40 +84,39 @@ Sampler::liveProcesses(Date now, const std::optional<MeasuredNetworkRates>& netw
         return {};
     }
     const Seconds interval = previousDate_ ? now - *previousDate_ : 0.0;
+    ++table_;
     std::vector<LiveProcess> live;
     live.reserve(readings.size());
-    std::unordered_map<std::int32_t, Previous> current;
-    current.reserve(readings.size());
     for (auto& reading : readings) {
         const auto readAt = reading.readAt;
         const auto gpuPercent = reading.gpuPercent;
-        ProcessRecord record = completed(std::move(reading), ownUID);
-        const auto before = previous_.find(record.pid);
-        std::optional<ProcessRecord> previous;
+        const auto [entry, isNew] = known_.try_emplace(reading.record.pid);
+        Known& known = entry->second;
+        const ProcessFacts& facts = factsFor(known, reading);
+        ProcessRecord record = completed(std::move(reading), facts, ownUID);
+        const ProcessCounters counters = ProcessCounters::of(record);
         Seconds elapsed = interval;
-        if (before != previous_.end()) {
-            previous = before->second.record;
-            if (interval > 0.0 && readAt && before->second.readAt) {
-                elapsed = *readAt - *before->second.readAt;
-            }
+        if (!isNew && interval > 0.0 && readAt && known.readAt) {
+            elapsed = *readAt - *known.readAt;
         }
-        ProcessRates rates = Rates::compute(previous, record, std::nullopt, std::nullopt, elapsed);
+        ProcessRates rates = Rates::compute(isNew ? nullptr : &known.counters, counters, elapsed);
         rates.gpuPercent = gpuPercent;
         if (const auto traffic = network ? NetworkRates::rateOf(*network, record) : std::nullopt) {
             rates.networkInPerSecond = traffic->in;
             rates.networkOutPerSecond = traffic->out;
         }
-        current.insert_or_assign(record.pid, Previous{record, readAt});
+        known.counters = counters;
+        known.readAt = readAt;
+        known.table = table_;
         live.push_back(LiveProcess{std::move(record), rates});
     }
-    previous_ = std::move(current);
+    std::erase_if(known_, [this](const auto& entry) { return entry.second.table != table_; });
     previousDate_ = now;
-    std::erase_if(fixed_, [this](const auto& entry) { return !previous_.contains(entry.first); });
     return live;
 }
 
-ProcessRecord Sampler::completed(ProcessReading reading, std::uint32_t ownUID) {
-    const ProcessFacts& facts = factsFor(reading);
+ProcessRecord Sampler::completed(ProcessReading reading, const ProcessFacts& facts,
+                                 std::uint32_t ownUID) {
     ProcessRecord record = std::move(reading.record);
     record.user = userName(record.uid);
     record.isOwn = record.uid == ownUID;
@@ -131,17 +129,14 @@ ProcessRecord Sampler::completed(ProcessReading reading, std::uint32_t ownUID) {
     return record;
 }
 
-const ProcessFacts& Sampler::factsFor(const ProcessReading& reading) {
-    const auto pid = reading.record.pid;
-    auto found = fixed_.find(pid);
-    if (found == fixed_.end() || found->second.started != reading.record.started ||
-        found->second.command != reading.command) {
-        Fixed fresh{.started = reading.record.started,
-                    .command = reading.command,
-                    .facts = backend_->facts(reading)};
-        found = fixed_.insert_or_assign(pid, std::move(fresh)).first;
+const ProcessFacts& Sampler::factsFor(Known& known, const ProcessReading& reading) {
+    if (!known.fixed || known.fixed->started != reading.record.started ||
+        known.fixed->command != reading.command) {
+        known.fixed = Fixed{.started = reading.record.started,
+                            .command = reading.command,
+                            .facts = backend_->facts(reading)};
     }
-    return found->second.facts;
+    return known.fixed->facts;
 }
 
 const std::string& Sampler::userName(std::uint32_t uid) {

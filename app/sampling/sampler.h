@@ -6,6 +6,7 @@
 #include "app/sampling/sample_source.h"
 #include "app/sampling/sampler_backend.h"
 #include "app/sampling/snapshot.h"
+#include "core/measurement/rates.h"
 #include "core/measurement/sampling_plan.h"
 
 #include <functional>
@@ -57,11 +58,21 @@ private:
         ProcessFacts facts;
     };
 
+    // A pid of the last process table: its lasting facts and what the next
+    // rates are measured from. Kept in place from tick to tick.
+    struct Known {
+        std::optional<Fixed> fixed;
+        ProcessCounters counters;
+        std::optional<Seconds> readAt;
+        std::uint64_t table = 0; // the last table that had the pid
+    };
+
     Snapshot tick(const SamplingPlan& plan);
     std::vector<LiveProcess> liveProcesses(Date now,
                                            const std::optional<MeasuredNetworkRates>& network);
-    ProcessRecord completed(ProcessReading reading, std::uint32_t ownUID);
-    const ProcessFacts& factsFor(const ProcessReading& reading);
+    ProcessRecord completed(ProcessReading reading, const ProcessFacts& facts,
+                            std::uint32_t ownUID);
+    const ProcessFacts& factsFor(Known& known, const ProcessReading& reading);
     const std::string& userName(std::uint32_t uid);
     SystemSample systemSample(Seconds interval, Date now);
     void readProcessors(SystemSample& sample);
@@ -70,13 +81,9 @@ private:
 
     std::unique_ptr<SamplerBackend> backend_;
     Clock clock_;
-    struct Previous {
-        ProcessRecord record;
-        std::optional<Seconds> readAt;
-    };
-
-    std::unordered_map<std::int32_t, Previous> previous_;
-    std::optional<Date> previousDate_; // the tick previous_ was read at
+    std::unordered_map<std::int32_t, Known> known_;
+    std::uint64_t table_ = 0;                  // counts the process tables read
+    std::optional<Date> previousDate_; // the tick known_ was read at
     std::vector<CPUTicks> previousTicks_;
     std::optional<ByteCounters> previousDisk_;
     std::optional<ByteCounters> previousIf_;
@@ -85,7 +92,6 @@ private:
     std::unordered_map<std::uint32_t, std::string> userNames_;
     std::optional<DiskSpace> diskSpace_;
     std::optional<Date> diskSpaceRead_; // absent: never, as if in the distant past
-    std::unordered_map<std::int32_t, Fixed> fixed_;
     NetworkMonitor network_;
     SerialExecutor executor_; // last: its thread stops before the state above goes away
 };

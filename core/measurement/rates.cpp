@@ -4,19 +4,19 @@
 
 namespace loadwarden {
 
-bool ProcessIdentity::sameStart(const ProcessRecord& a, const ProcessRecord& b) {
-    return a.started == b.started || a.started == 0.0 || b.started == 0.0;
-}
-
 namespace {
 
 constexpr double nanosecondsPerSecond = 1e9;
+
+bool sameStart(Date a, Date b) {
+    return a == b || a == 0.0 || b == 0.0;
+}
 
 double perSecond(std::uint64_t previous, std::uint64_t current, Seconds interval) {
     return static_cast<double>(counterDelta(previous, current)) / interval;
 }
 
-std::optional<double> diskRate(const ProcessRecord& previous, const ProcessRecord& current,
+std::optional<double> diskRate(const ProcessCounters& previous, const ProcessCounters& current,
                                Seconds interval) {
     if (!previous.diskReadBytes || !previous.diskWrittenBytes || !current.diskReadBytes ||
         !current.diskWrittenBytes) {
@@ -28,7 +28,7 @@ std::optional<double> diskRate(const ProcessRecord& previous, const ProcessRecor
     return static_cast<double>(bytes) / interval;
 }
 
-std::optional<double> energyRate(const ProcessRecord& previous, const ProcessRecord& current,
+std::optional<double> energyRate(const ProcessCounters& previous, const ProcessCounters& current,
                                  Seconds interval) {
     if (!previous.energyNJ || !current.energyNJ) {
         return std::nullopt;
@@ -57,15 +57,38 @@ void addNetworkRates(ProcessRates& rates, const std::optional<ProcessRecord>& pr
 
 } // namespace
 
+bool ProcessIdentity::sameStart(const ProcessRecord& a, const ProcessRecord& b) {
+    return loadwarden::sameStart(a.started, b.started);
+}
+
+ProcessCounters ProcessCounters::of(const ProcessRecord& record) {
+    return {.started = record.started,
+            .cpuTimeNs = record.cpuTimeNs,
+            .diskReadBytes = record.diskReadBytes,
+            .diskWrittenBytes = record.diskWrittenBytes,
+            .energyNJ = record.energyNJ};
+}
+
 ProcessRates Rates::compute(const std::optional<ProcessRecord>& previous,
                             const ProcessRecord& current,
                             const std::optional<NetworkBytes>& previousNetwork,
                             const std::optional<NetworkBytes>& currentNetwork, Seconds interval) {
+    const auto before = previous ? std::optional(ProcessCounters::of(*previous)) : std::nullopt;
+    ProcessRates rates =
+        compute(before ? &*before : nullptr, ProcessCounters::of(current), interval);
+    if (interval > 0.0) {
+        addNetworkRates(rates, previous, current, previousNetwork, currentNetwork, interval);
+    }
+    return rates;
+}
+
+ProcessRates Rates::compute(const ProcessCounters* previous, const ProcessCounters& current,
+                            Seconds interval) {
     ProcessRates rates;
     if (!(interval > 0.0)) {
         return rates;
     }
-    if (previous && ProcessIdentity::sameStart(*previous, current)) {
+    if (previous && sameStart(previous->started, current.started)) {
         rates.cpuPercent = perSecond(previous->cpuTimeNs, current.cpuTimeNs, interval) /
                            nanosecondsPerSecond * 100.0;
         rates.diskBytesPerSecond = diskRate(*previous, current, interval);
@@ -78,7 +101,6 @@ ProcessRates Rates::compute(const std::optional<ProcessRecord>& previous,
             rates.energyWatts = 0.0;
         }
     }
-    addNetworkRates(rates, previous, current, previousNetwork, currentNetwork, interval);
     return rates;
 }
 

@@ -162,6 +162,21 @@ TEST_F(SamplerTest, FactsAreReadOncePerProcessLife) {
     EXPECT_EQ(machine->factReads, 3);
 }
 
+TEST_F(SamplerTest, AProcessMissingFromOneTableComesBackWithoutItsOldCounters) {
+    machine->table = {process(10, "worker", 500.0, 0), process(11, "blinker", 600.0, 0)};
+    tickAt(1000.0);
+    // Its files could not be read this time, as for a process ending.
+    machine->table = {process(10, "worker", 500.0, 2'000'000'000)};
+    tickAt(1002.0);
+    machine->table = {process(10, "worker", 500.0, 4'000'000'000),
+                      process(11, "blinker", 600.0, 4'000'000'000)};
+    const Snapshot back = tickAt(1004.0);
+    EXPECT_DOUBLE_EQ(find(back, 10).rates.cpuPercent, 100.0);
+    // Nothing to compare with: not 4 s of CPU over 2 s.
+    EXPECT_EQ(find(back, 11).rates.cpuPercent, 0.0);
+    EXPECT_EQ(machine->factReads, 3);
+}
+
 TEST_F(SamplerTest, UserNamesAreLookedUpOncePerUid) {
     machine->names = {{501, "ada"}, {0, "root"}};
     machine->table = {process(10, "a", 500.0, 0, 501), process(11, "b", 500.0, 0, 501),

@@ -1,13 +1,14 @@
 #include "app/sampling/linux/kernel_files.h"
 
+#include "core/foundation/programming_error.h"
 #include "core/text/text_parsing.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -38,8 +39,29 @@ bool readFromStart(int fd, std::string& into, std::size_t limit) {
     return true;
 }
 
-int openForReading(const std::string& path) {
-    return ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+int openForReading(const char* path) {
+    return ::open(path, O_RDONLY | O_CLOEXEC);
+}
+
+// The whole of a file written in one piece: read again into a larger buffer
+// as long as a read fills it.
+std::optional<std::string_view> readOnePiece(int fd, std::string& buffer) {
+    if (buffer.size() < readChunk) {
+        buffer.resize(readChunk);
+    }
+    while (true) {
+        const ssize_t got = ::pread(fd, buffer.data(), buffer.size(), 0);
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got < 0) {
+            return std::nullopt;
+        }
+        if (static_cast<std::size_t>(got) < buffer.size()) {
+            return std::string_view(buffer.data(), static_cast<std::size_t>(got));
+        }
+        buffer.resize(buffer.size() * 2);
+    }
 }
 
 template <typename Visit>
@@ -60,8 +82,14 @@ void forEachEntry(const std::string& directory, Visit&& visit) {
 } // namespace
 
 bool KernelFiles::read(const std::string& path, std::string& into) {
-    KeptFile file;
-    return file.read(path, into, false);
+    into.clear();
+    const int fd = openForReading(path.c_str());
+    if (fd < 0) {
+        return false;
+    }
+    const bool read = readFromStart(fd, into, std::string::npos);
+    ::close(fd);
+    return read;
 }
 
 std::optional<std::string> KernelFiles::text(const std::string& path) {
@@ -73,7 +101,7 @@ std::optional<std::string> KernelFiles::text(const std::string& path) {
 }
 
 std::optional<std::string> KernelFiles::head(const std::string& path, std::size_t count) {
-    const int fd = openForReading(path);
+    const int fd = openForReading(path.c_str());
     if (fd < 0) {
         return std::nullopt;
     }
@@ -96,14 +124,6 @@ std::optional<std::string> KernelFiles::linkTarget(const std::string& path) {
     return target;
 }
 
-std::optional<std::uint32_t> KernelFiles::owner(const std::string& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0) {
-        return std::nullopt;
-    }
-    return status.st_uid;
-}
-
 std::vector<std::string> KernelFiles::entries(const std::string& directory) {
     std::vector<std::string> names;
     forEachEntry(directory, [&names](std::string_view name) { names.emplace_back(name); });
@@ -123,17 +143,20 @@ std::vector<std::string> KernelFiles::entriesStartingWith(const std::string& dir
 }
 
 std::string KernelFiles::processFile(int pid, std::string_view name) {
-    return "/proc/" + std::to_string(pid) + "/" + std::string(name);
+    return std::string(ProcessFilePath(pid, name).view());
 }
 
-std::vector<int> KernelFiles::processIDs() {
-    std::vector<int> pids;
-    forEachEntry("/proc", [&pids](std::string_view name) {
-        if (const auto pid = parseInteger<int>(name); pid && *pid > 0) {
-            pids.push_back(*pid);
-        }
-    });
-    return pids;
+ProcessFilePath::ProcessFilePath(int pid, std::string_view name) {
+    constexpr std::string_view proc = "/proc/";
+    constexpr std::size_t longestPid = 11; // "-2147483648"
+    // The names are the program's own: one that does not fit is a slip of ours.
+    require(proc.size() + longestPid + 1 + name.size() < text_.size(),
+            "process file name too long");
+    char* end = std::copy(proc.begin(), proc.end(), text_.begin());
+    end = std::to_chars(end, text_.data() + text_.size(), pid).ptr;
+    *end++ = '/';
+    end = std::copy(name.begin(), name.end(), end);
+    length_ = static_cast<std::size_t>(end - text_.data());
 }
 
 KeptFile::~KeptFile() {
@@ -150,19 +173,20 @@ KeptFile& KeptFile::operator=(KeptFile&& other) noexcept {
     return *this;
 }
 
-bool KeptFile::read(const std::string& path, std::string& into, bool keep) {
-    into.clear();
-    if (fd_ >= 0 && readFromStart(fd_, into, std::string::npos) && !into.empty()) {
-        return true;
-    }
-    close();
-    into.clear();
-    fd_ = openForReading(path);
-    const bool read = fd_ >= 0 && readFromStart(fd_, into, std::string::npos);
-    if (!read || !keep) {
+std::optional<std::string_view> KeptFile::read(const ProcessFilePath& path, std::string& buffer,
+                                               bool keep) {
+    if (fd_ >= 0) {
+        if (const auto whole = readOnePiece(fd_, buffer); whole && !whole->empty()) {
+            return whole;
+        }
         close();
     }
-    return read;
+    fd_ = openForReading(path.c_str());
+    const auto whole = fd_ >= 0 ? readOnePiece(fd_, buffer) : std::nullopt;
+    if (!whole || !keep) {
+        close();
+    }
+    return whole;
 }
 
 void KeptFile::close() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -24,9 +25,6 @@ std::optional<std::string> head(const std::string& path, std::size_t count);
 
 std::optional<std::string> linkTarget(const std::string& path);
 
-// The user id that owns a file or directory.
-std::optional<std::uint32_t> owner(const std::string& path);
-
 // The names in a directory, without "." and "..".
 std::vector<std::string> entries(const std::string& directory);
 
@@ -37,10 +35,20 @@ std::vector<std::string> entriesStartingWith(const std::string& directory,
 // "/proc/PID/name".
 std::string processFile(int pid, std::string_view name);
 
-// The numeric names in /proc: the pids.
-std::vector<int> processIDs();
-
 } // namespace KernelFiles
+
+// "/proc/PID/name" made without the heap, for the files read on every tick.
+class ProcessFilePath {
+public:
+    ProcessFilePath(int pid, std::string_view name);
+
+    const char* c_str() const { return text_.data(); }
+    std::string_view view() const { return {text_.data(), length_}; }
+
+private:
+    std::array<char, 64> text_{};
+    std::size_t length_ = 0;
+};
 
 // A file of one process held open from tick to tick: opening a /proc file
 // costs more than reading it. The open file stays bound to the process it was
@@ -52,10 +60,15 @@ public:
     KeptFile(KeptFile&& other) noexcept;
     KeptFile& operator=(KeptFile&& other) noexcept;
 
-    // The whole file from its start into `into`. When the open file reads
-    // nothing, it is opened again by path, which finds a new process that
-    // took the pid. keep: whether it may stay open for the next tick.
-    bool read(const std::string& path, std::string& into, bool keep);
+    // The whole file, read from its start into `buffer`, which keeps its
+    // storage from one call to the next. The files of /proc/PID that are kept
+    // are each written by the kernel in one piece, so one read that does not
+    // fill the buffer has all of it. When the open file reads nothing, it is
+    // opened again by path, which finds a new process that took the pid.
+    // keep: whether it may stay open for the next tick. Nothing when it cannot
+    // be opened or read, as when the process has ended or the file is not ours.
+    std::optional<std::string_view> read(const ProcessFilePath& path, std::string& buffer,
+                                         bool keep);
     bool isOpen() const { return fd_ >= 0; }
 
 private:

@@ -2,10 +2,8 @@
 
 #include "app/foundation/clock.h"
 #include "app/foundation/linux/start_date.h"
-#include "app/sampling/linux/kernel_files.h"
 #include "core/foundation/checked_arithmetic.h"
 #include "core/grouping/linux/app_identity.h"
-#include "core/measurement/linux/process_files.h"
 
 #include <algorithm>
 #include <ctime>
@@ -36,6 +34,21 @@ std::size_t processesWithOpenFiles() {
     return files.rlim_cur > reserve ? static_cast<std::size_t>((files.rlim_cur - reserve) / 2) : 0;
 }
 
+// The processor time of a process to the nanosecond, from its clock, which
+// is open for every user's processes. The clock's id is made as the kernel
+// defines it, as clock_getcpuclockid does but without its extra system call
+// to learn whether the process exists: the reading tells that too.
+std::optional<std::uint64_t> exactCPUTimeNs(int pid) {
+    constexpr clockid_t wholeProcess = 2; // CPUCLOCK_SCHED
+    const clockid_t clock = static_cast<clockid_t>(~static_cast<unsigned>(pid) << 3) | wholeProcess;
+    timespec used{};
+    if (clock_gettime(clock, &used) != 0) {
+        return std::nullopt;
+    }
+    return checkedAdd(checkedMultiply(static_cast<std::uint64_t>(used.tv_sec), 1'000'000'000),
+                      static_cast<std::uint64_t>(used.tv_nsec));
+}
+
 } // namespace
 
 LinuxProcesses::LinuxProcesses()
@@ -44,56 +57,74 @@ LinuxProcesses::LinuxProcesses()
       keepLimit_(processesWithOpenFiles()) {}
 
 std::vector<ProcessReading> LinuxProcesses::read() {
+    ++listing_;
     std::vector<ProcessReading> readings;
-    std::unordered_map<int, OpenFiles> stillOpen;
-    stillOpen.reserve(open_.size());
-    for (const int pid : KernelFiles::processIDs()) {
-        OpenFiles files;
-        if (const auto found = open_.find(pid); found != open_.end()) {
-            files = std::move(found->second);
-        }
-        if (auto reading = readOne(pid, files, stillOpen.size() < keepLimit_)) {
+    readings.reserve(lastCount_);
+    std::size_t keptOpen = 0;
+    for (const int pid : directory_.processIDs()) {
+        Listed& listed = listed_[pid];
+        listed.listing = listing_;
+        if (auto reading = readOne(pid, listed, keptOpen < keepLimit_)) {
             readings.push_back(std::move(*reading));
         }
-        if (files.stat.isOpen() || files.io.isOpen()) {
-            stillOpen.emplace(pid, std::move(files));
+        if (listed.stat.isOpen() || listed.io.isOpen()) {
+            ++keptOpen;
         }
     }
     // The files of processes that ended close here.
-    open_ = std::move(stillOpen);
+    std::erase_if(listed_, [this](const auto& entry) { return entry.second.listing != listing_; });
+    lastCount_ = readings.size();
     return readings;
 }
 
-std::optional<ProcessReading> LinuxProcesses::readOne(int pid, OpenFiles& files, bool keep) {
+std::optional<ProcessReading> LinuxProcesses::readOne(int pid, Listed& listed, bool keep) {
     // A process that ended since the listing simply has no files any more.
-    if (!files.stat.read(KernelFiles::processFile(pid, "stat"), stat_, keep)) {
-        return std::nullopt;
-    }
-    const auto stat = ProcStat::parse(stat_);
+    const auto text = listed.stat.read(ProcessFilePath(pid, "stat"), buffer_, keep);
+    const auto stat = text ? ProcStat::parse(*text) : std::nullopt;
     if (!stat || stat->isKernelThread()) {
         return std::nullopt;
     }
-    // The directory of a process belongs to its effective user, whatever the
-    // process allows: one stat call instead of reading and parsing its status.
-    const auto uid = KernelFiles::owner("/proc/" + std::to_string(pid));
-    if (!uid) {
-        return std::nullopt;
+    const auto exactCPUTime = exactCPUTimeNs(pid);
+    const std::uint64_t cpuTimeNs =
+        exactCPUTime ? *exactCPUTime
+                     : ticksToNanoseconds(checkedAdd(stat->userTicks, stat->systemTicks));
+    const Seconds readAt = monotonicSeconds();
+    // Only a clock to the nanosecond tells that a process has not run. One
+    // running now on another core may not have its latest moments counted
+    // yet, so that one is read afresh as well.
+    const bool stillSinceLastRun = exactCPUTime && listed.lastRun &&
+                                   listed.lastRun->startTicks == stat->startTicks &&
+                                   listed.lastRun->cpuTimeNs == *exactCPUTime && stat->state != 'R';
+    if (!stillSinceLastRun) {
+        // The folder of a process belongs to its effective user, whatever the
+        // process allows: one stat call instead of reading and parsing its status.
+        const auto uid = directory_.owner(pid);
+        if (!uid) {
+            return std::nullopt;
+        }
+        listed.lastRun = LastRun{.startTicks = stat->startTicks,
+                                 .cpuTimeNs = cpuTimeNs,
+                                 .uid = *uid,
+                                 .io = readIO(pid, listed.io, keep)};
     }
+    const LastRun lastRun = *listed.lastRun;
+    if (!exactCPUTime) {
+        listed.lastRun.reset();
+    }
+
     ProcessReading reading;
     ProcessRecord& record = reading.record;
     record.pid = pid;
     record.ppid = stat->ppid;
-    record.uid = *uid;
+    record.uid = lastRun.uid;
     record.started = startDateFromTicks(stat->startTicks);
-    record.cpuTimeNs = cpuTimeNs(pid, checkedAdd(stat->userTicks, stat->systemTicks));
-    reading.readAt = monotonicSeconds();
+    record.cpuTimeNs = cpuTimeNs;
+    reading.readAt = readAt;
     record.memoryBytes = checkedMultiply(stat->residentPages, pageSize_);
     // Another user's io file is closed to us: its disk bytes stay absent.
-    if (files.io.read(KernelFiles::processFile(pid, "io"), io_, keep)) {
-        if (const auto io = parseProcIO(io_)) {
-            record.diskReadBytes = io->readBytes;
-            record.diskWrittenBytes = io->writeBytes;
-        }
+    if (lastRun.io) {
+        record.diskReadBytes = lastRun.io->readBytes;
+        record.diskWrittenBytes = lastRun.io->writeBytes;
     }
     record.threads = stat->threads;
     record.state = runStateFromProcLetter(stat->state);
@@ -101,15 +132,12 @@ std::optional<ProcessReading> LinuxProcesses::readOne(int pid, OpenFiles& files,
     return reading;
 }
 
-std::uint64_t LinuxProcesses::cpuTimeNs(int pid, std::uint64_t ticks) const {
-    // The process's CPU clock counts in nanoseconds, where stat counts in
-    // hundredths of a second; it is open for every user's processes.
-    clockid_t clock{};
-    timespec used{};
-    if (clock_getcpuclockid(pid, &clock) == 0 && clock_gettime(clock, &used) == 0) {
-        return checkedAdd(checkedMultiply(static_cast<std::uint64_t>(used.tv_sec), 1'000'000'000),
-                          static_cast<std::uint64_t>(used.tv_nsec));
-    }
+std::optional<ProcIO> LinuxProcesses::readIO(int pid, KeptFile& file, bool keep) {
+    const auto text = file.read(ProcessFilePath(pid, "io"), buffer_, keep);
+    return text ? parseProcIO(*text) : std::nullopt;
+}
+
+std::uint64_t LinuxProcesses::ticksToNanoseconds(std::uint64_t ticks) const {
     return static_cast<std::uint64_t>(static_cast<double>(ticks) / ticksPerSecond_ * 1e9);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "app/sampling/linux/kernel_files.h"
+#include "app/sampling/linux/process_directory.h"
 #include "app/sampling/sampler_backend.h"
+#include "core/measurement/linux/process_files.h"
 
 #include <string>
 #include <unordered_map>
@@ -20,21 +22,36 @@ public:
     ProcessFacts facts(const ProcessReading& process) const;
 
 private:
-    // The files read on every tick, kept open while the process lives.
-    struct OpenFiles {
-        KeptFile stat;
-        KeptFile io;
+    // What a process showed when it last ran, kept for as long as its
+    // processor time stands still: a process that runs no code reads and
+    // writes nothing and changes no user.
+    struct LastRun {
+        std::uint64_t startTicks = 0;
+        std::uint64_t cpuTimeNs = 0;
+        std::uint32_t uid = 0;
+        std::optional<ProcIO> io;
     };
 
-    std::optional<ProcessReading> readOne(int pid, OpenFiles& files, bool keep);
-    std::uint64_t cpuTimeNs(int pid, std::uint64_t ticks) const;
+    // One listed pid: its files, kept open while the process lives.
+    struct Listed {
+        KeptFile stat;
+        KeptFile io;
+        std::optional<LastRun> lastRun;
+        std::uint64_t listing = 0; // the last listing that had the pid
+    };
+
+    std::optional<ProcessReading> readOne(int pid, Listed& listed, bool keep);
+    std::optional<ProcIO> readIO(int pid, KeptFile& file, bool keep);
+    std::uint64_t ticksToNanoseconds(std::uint64_t ticks) const;
 
     double ticksPerSecond_;
     std::uint64_t pageSize_;
     std::size_t keepLimit_; // processes whose files may stay open
-    std::unordered_map<int, OpenFiles> open_;
-    std::string stat_; // buffers reused from process to process
-    std::string io_;
+    ProcessDirectory directory_;
+    std::unordered_map<int, Listed> listed_;
+    std::uint64_t listing_ = 0;
+    std::size_t lastCount_ = 0;
+    std::string buffer_; // reused from file to file
 };
 
 } // namespace loadwarden

@@ -12,20 +12,25 @@ bool isBlank(char c) {
 
 } // namespace
 
+std::string_view FieldCursor::next() {
+    std::size_t start = 0;
+    while (start < rest_.size() && isBlank(rest_[start])) {
+        ++start;
+    }
+    std::size_t end = start;
+    while (end < rest_.size() && !isBlank(rest_[end])) {
+        ++end;
+    }
+    const std::string_view field = rest_.substr(start, end - start);
+    rest_.remove_prefix(end);
+    return field;
+}
+
 std::vector<std::string_view> splitFields(std::string_view text) {
     std::vector<std::string_view> fields;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        while (i < text.size() && isBlank(text[i])) {
-            ++i;
-        }
-        const std::size_t start = i;
-        while (i < text.size() && !isBlank(text[i])) {
-            ++i;
-        }
-        if (i > start) {
-            fields.push_back(text.substr(start, i - start));
-        }
+    FieldCursor cursor(text);
+    for (std::string_view field = cursor.next(); !field.empty(); field = cursor.next()) {
+        fields.push_back(field);
     }
     return fields;
 }

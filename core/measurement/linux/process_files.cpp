@@ -4,6 +4,7 @@
 #include "core/text/text_parsing.h"
 
 #include <algorithm>
+#include <array>
 
 namespace loadwarden {
 
@@ -25,10 +26,20 @@ std::optional<ProcStat> ProcStat::parse(std::string_view text) {
     if (open == std::string_view::npos || close == std::string_view::npos || close < open) {
         return std::nullopt;
     }
-    // Fields are numbered as in proc_pid_stat(5); the state is field 3.
-    const auto rest = splitFields(text.substr(close + 1));
-    auto field = [&rest](std::size_t number) { return rest[number - 3]; };
-    if (rest.size() < 24 - 2 || field(3).size() != 1) {
+    // Fields are numbered as in proc_pid_stat(5); the state is field 3. Read
+    // for every process on every tick, so the fields are looked at in place.
+    constexpr std::size_t first = 3;
+    constexpr std::size_t last = 24;
+    std::array<std::string_view, last - first + 1> fields;
+    FieldCursor cursor(text.substr(close + 1));
+    for (auto& each : fields) {
+        each = cursor.next();
+        if (each.empty()) {
+            return std::nullopt;
+        }
+    }
+    auto field = [&fields](std::size_t number) { return fields[number - first]; };
+    if (field(3).size() != 1) {
         return std::nullopt;
     }
     const auto pid = parseInteger<std::int32_t>(trimWhitespace(text.substr(0, open)));

@@ -5,7 +5,6 @@
 #include "core/text/text_parsing.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace loadwarden {
 
@@ -75,13 +74,13 @@ void LinuxGraphics::measure(std::vector<ProcessReading>& readings) {
     const Seconds now = monotonicSeconds();
     const auto nvidia = nvml_ ? nvml_->processPercent() : std::map<std::int32_t, double>{};
     std::vector<DrmClient> everyClient;
-    std::unordered_set<int> alive;
+    ++measure_;
     for (ProcessReading& reading : readings) {
         const int pid = reading.record.pid;
         std::optional<double> percent;
         if (hasDrmDevices_) {
-            alive.insert(pid);
             Client& client = clientFor(reading);
+            client.measure = measure_;
             percent = drmPercent(client, reading.readAt.value_or(now), everyClient);
         }
         if (const auto found = nvidia.find(pid); found != nvidia.end()) {
@@ -89,7 +88,8 @@ void LinuxGraphics::measure(std::vector<ProcessReading>& readings) {
         }
         reading.gpuPercent = percent;
     }
-    std::erase_if(processes_, [&alive](const auto& entry) { return !alive.contains(entry.first); });
+    std::erase_if(processes_,
+                  [this](const auto& entry) { return entry.second.measure != measure_; });
 
     busy_ = std::nullopt;
     if (nvml_) {

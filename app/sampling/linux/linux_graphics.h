@@ -36,6 +36,7 @@ private:
         std::vector<std::string> fdinfoPaths; // one per open graphics device file
         std::vector<DrmClient> clients;       // at the last reading
         Seconds readAt = 0.0;
+        std::uint64_t measure = 0; // the last measure that had the process
     };
 
     Client& clientFor(const ProcessReading& reading);
@@ -48,6 +49,7 @@ private:
     bool hasDrmDevices_ = false;
     std::vector<std::string> amdBusyFiles_;
     std::unordered_map<int, Client> processes_;
+    std::uint64_t measure_ = 0; // counts the measures
     std::vector<DrmClient> previousClients_;
     std::optional<Seconds> previousAt_;
     std::optional<double> busy_;

@@ -17,16 +17,8 @@ if ! /usr/bin/python3 -c 'import pyatspi' 2>/dev/null; then
     echo "skipped: no pyatspi"
     exit 77
 fi
-scratch=$(mktemp -d)
-pids=()
-cleanup() {
-    kill "${pids[@]}" 2>/dev/null
-    wait 2>/dev/null
-    rm -rf "$scratch"
-}
-trap cleanup EXIT
-export HOME=$scratch XDG_CONFIG_HOME=$scratch/config XDG_DATA_HOME=$scratch/data \
-    XDG_STATE_HOME=$scratch/state QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
+source "$here/private_home.sh"
+export QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1
 # Qt's accessibility bridge keeps what it made for screen readers until the
 # process ends; the other tests look for leaks.
 export ASAN_OPTIONS=detect_leaks=0

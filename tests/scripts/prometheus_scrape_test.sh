@@ -13,21 +13,11 @@ for tool in prometheus promtool curl jq python3; do
         exit 77
     fi
 done
-scratch=$(mktemp -d)
-pids=()
-cleanup() {
-    kill "${pids[@]}" 2>/dev/null
-    wait 2>/dev/null
-    rm -rf "$scratch"
-}
-trap cleanup EXIT
+source "$(dirname "$0")/private_home.sh"
 fail() {
     echo "FAILED: $*"
     exit 1
 }
-# The program's settings, history and ledger stay in the scratch folder.
-export HOME=$scratch XDG_CONFIG_HOME=$scratch/config XDG_DATA_HOME=$scratch/data \
-    XDG_STATE_HOME=$scratch/state
 
 printf '#!/bin/sh\nwhile :; do :; done\n' >"$scratch/loadwarden-busy"
 chmod +x "$scratch/loadwarden-busy"

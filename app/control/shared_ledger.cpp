@@ -71,6 +71,9 @@ std::vector<std::int32_t> SharedLedger::releaseOrphans() {
     const PausedLedger orphans = stored.orphans(startTime_);
     const auto processes = heldProcesses(orphans, startTime_);
     sendEach(SIGCONT, processes);
+    if (orphans.entries.empty()) {
+        return {}; // the common start: nothing to write, so nothing is written
+    }
     for (const auto& entry : orphans.entries) {
         stored.entries.erase(entry);
     }

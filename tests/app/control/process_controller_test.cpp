@@ -167,6 +167,12 @@ TEST_F(ProcessControllerTest, NothingIsStoppedWhenTheLedgerCannotBeSaved) {
     EXPECT_EQ(stateOf(children.pids[0]), 'R');
 }
 
+TEST_F(ProcessControllerTest, AStartWithNothingLeftBehindWritesNothing) {
+    // Every start of the program looks for orphans, `loadwarden --version` too.
+    EXPECT_THAT(SharedLedger(DefaultsStore(store)).releaseOrphans(), IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(store));
+}
+
 TEST_F(ProcessControllerTest, QuittingResumesEverythingAndEmptiesTheLedger) {
     const Children children(2);
     {

@@ -9,7 +9,13 @@ namespace loadwarden {
 
 Readings takeReadings(int ticks, Seconds interval, bool networkShown) {
     using Steady = std::chrono::steady_clock;
-    Sampler sampler;
+    // Network rates come once a run of the tool that starts at the first-rates
+    // gap has ended, so from the tick after it: over a shorter span the tool
+    // would run for nothing.
+    const bool networkMeasured =
+        networkShown && (ticks - 2) * interval >= NetworkMonitor::firstRatesGap;
+    Sampler sampler(makePlatformBackend(), networkMeasured ? systemNetworkSource() : nullptr,
+                    currentDate);
     const auto first = Steady::now();
     const auto period = std::chrono::duration<double>(interval);
     Readings readings{.last = {},

@@ -13,7 +13,8 @@ struct Readings {
 };
 
 // Takes `ticks` samples `interval` apart on a fresh sampler, keeping to the
-// schedule however long each takes, and keeps the last. Rates need two.
+// schedule however long each takes, and keeps the last. Rates need two; the
+// network tool runs only when the span is long enough for its rates.
 Readings takeReadings(int ticks, Seconds interval, bool networkShown);
 
 } // namespace loadwarden

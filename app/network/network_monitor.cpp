@@ -17,10 +17,6 @@ namespace loadwarden {
 
 namespace {
 
-// Until the first rates exist, runs come at least this often, so that they
-// appear soon whatever the view.
-constexpr Seconds firstRatesGap = 6.0;
-
 // The tool is background work; what it spawns inherits this.
 void lowerThreadPriority() {
 #ifdef __APPLE__

@@ -23,6 +23,11 @@ namespace loadwarden {
 // called from anywhere.
 class NetworkMonitor {
 public:
+    // Until the first rates exist, runs come at least this often, so that
+    // they appear soon whatever the view; the first come from the run that
+    // starts this long after the first.
+    static constexpr Seconds firstRatesGap = 6.0;
+
     struct ToolLimits {
         Seconds timeout = 15.0;
         Seconds cpuLimit = 1.0;

@@ -61,6 +61,8 @@ dpkg-query -L loadwarden >"$scratch/files"
 check "the installed loadwarden says its version" \
     bash -c "[ \"\$(/usr/bin/loadwarden --version)\" = 'loadwarden $version' ]"
 check "loadwarden snapshot runs" bash -c "/usr/bin/loadwarden snapshot --ticks 2 | grep -q '^Memory '"
+check "loadwarden serve finds the program installed for it" \
+    bash -c "/usr/bin/loadwarden serve --help | grep -q '^usage: loadwarden serve '"
 home=$scratch/home
 mkdir -p "$home" && mkdir -m 700 "$scratch/runtime"
 # Still running after a few seconds, in its own home: timeout's 124.

@@ -142,10 +142,17 @@ for role, name in [(pyatspi.ROLE_TEXT, "Search"), (pyatspi.ROLE_PUSH_BUTTON, "Cl
     if named(window, role, name) is None:
         fail(f"no {pyatspi.Accessible.getRoleName(window) and role} named {name!r}")
 processes = named(window, pyatspi.ROLE_TREE, "Processes")
-headers = [processes.getChildAtIndex(i).name for i in range(processes.childCount)
-           if processes.getChildAtIndex(i).getRole() == pyatspi.ROLE_TABLE_COLUMN_HEADER]
-if headers != ["Name", "CPU", "Memory", "Energy", "Disk", "Network", "GPU"]:
-    fail(f"column headers {headers}")
+
+
+def column_headers():
+    # Rows come and go as the table refreshes; a child may be gone when asked for.
+    children = [processes.getChildAtIndex(i) for i in range(processes.childCount)]
+    return [child.name for child in children
+            if child is not None and child.getRole() == pyatspi.ROLE_TABLE_COLUMN_HEADER]
+
+
+wait_for("the process table's column headers", lambda: column_headers() ==
+         ["Name", "CPU", "Memory", "Energy", "Disk", "Network", "GPU"])
 summary = wait_for("the machine's line under the table", lambda: next(
     node for node in walk(window)
     if node.getRole() == pyatspi.ROLE_LABEL and " processes · CPU " in node.name))

@@ -1,7 +1,7 @@
 // The per-process files under /proc: ProcStat::parse and isKernelThread,
-// runStateFromProcLetter, parseProcIO, keyedValue (status), firstArgument
-// (cmdline), executablePathFromLink (exe), architectureFromELFHeader and
-// processDisplayName. Every parser reads the same bytes, so each file's
+// runStateFromProcLetter, parseStatmResidentPages, parseProcIO, keyedValue
+// (status), firstArgument (cmdline), executablePathFromLink (exe),
+// architectureFromELFHeader and processDisplayName. Every parser reads the same bytes, so each file's
 // samples seed all of them.
 #include "core/measurement/linux/fields.h"
 #include "core/measurement/linux/process_files.h"
@@ -48,6 +48,13 @@ void checkStat(std::string_view text) {
     check(again && fields(*again) == fields(*stat), "a parsed stat, printed again, reads the same");
 }
 
+void checkStatm(std::string_view text) {
+    if (const auto resident = parseStatmResidentPages(text)) {
+        check(parseStatmResidentPages("0 " + std::to_string(*resident) + " 0\n") == resident,
+              "resident pages, printed again, read the same");
+    }
+}
+
 void checkStatusAndIO(std::string_view text) {
     for (const std::string_view key : {"Name", "State", "Uid", "VmRSS", "Threads"}) {
         check(fuzz::isTrimmedLine(keyedValue(text, key)), "a keyed value is one trimmed line");
@@ -88,6 +95,7 @@ void checkNames(std::string_view text) {
 
 void fuzz::run(std::string_view text) {
     checkStat(text);
+    checkStatm(text);
     checkStatusAndIO(text);
     checkNames(text);
 }

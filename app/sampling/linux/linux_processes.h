@@ -24,24 +24,38 @@ public:
 private:
     // What a process showed when it last ran, kept for as long as its
     // processor time stands still: a process that runs no code reads and
-    // writes nothing and changes no user.
+    // writes nothing and changes neither its user, name, state nor threads.
+    // Its memory can change all the same (the system reclaims it) and so can
+    // its parent (when the parent ends), so those are read on every listing.
     struct LastRun {
-        std::uint64_t startTicks = 0;
-        std::uint64_t cpuTimeNs = 0;
+        ProcStat stat;
+        std::optional<std::uint64_t> exactCPUTimeNs; // absent: only stat's ticks were read
         std::uint32_t uid = 0;
         std::optional<ProcIO> io;
+        std::optional<std::uint64_t> parentStartTicks; // of stat.ppid, once looked up
     };
 
-    // One listed pid: its files, kept open while the process lives.
+    // One listed process, known by its folder: its files, kept open while it
+    // lives (its stat while it runs, its statm while it stands still, its io).
     struct Listed {
+        std::uint64_t inode = 0;
+        bool kernelThread = false;
         KeptFile stat;
+        KeptFile statm;
         KeptFile io;
         std::optional<LastRun> lastRun;
+        bool stillThisListing = false;
         std::uint64_t listing = 0; // the last listing that had the pid
     };
 
     std::optional<ProcessReading> readOne(int pid, Listed& listed, bool keep);
-    std::optional<ProcIO> readIO(int pid, KeptFile& file, bool keep);
+    bool readInFull(int pid, Listed& listed, std::optional<std::uint64_t> exactCPUTime,
+                    bool keep);
+    bool readMemory(int pid, Listed& listed, bool keep);
+    void checkParents(std::vector<ProcessReading>& readings, bool keep);
+    bool parentStands(const LastRun& child) const;
+    std::optional<std::uint64_t> startTicksOf(int pid) const;
+    ProcessReading readingOf(int pid, const LastRun& run, Seconds readAt) const;
     std::uint64_t ticksToNanoseconds(std::uint64_t ticks) const;
 
     double ticksPerSecond_;

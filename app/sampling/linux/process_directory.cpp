@@ -29,10 +29,10 @@ ProcessDirectory::~ProcessDirectory() {
     }
 }
 
-const std::vector<int>& ProcessDirectory::processIDs() {
-    pids_.clear();
+const std::vector<ProcessDirectory::Entry>& ProcessDirectory::processes() {
+    processes_.clear();
     if (fd_ < 0 || ::lseek(fd_, 0, SEEK_SET) != 0) {
-        return pids_;
+        return processes_;
     }
     while (true) {
         const ssize_t got = ::getdents64(fd_, entries_.data(), entries_.size());
@@ -44,12 +44,12 @@ const std::vector<int>& ProcessDirectory::processIDs() {
             std::memcpy(&entry, entries_.data() + offset, offsetof(dirent64, d_name));
             const char* name = entries_.data() + offset + offsetof(dirent64, d_name);
             if (const auto pid = parseInteger<int>(name); pid && *pid > 0) {
-                pids_.push_back(*pid);
+                processes_.push_back({.pid = *pid, .inode = entry.d_ino});
             }
             offset += entry.d_reclen;
         }
     }
-    return pids_;
+    return processes_;
 }
 
 std::optional<std::uint32_t> ProcessDirectory::owner(int pid) const {

@@ -17,9 +17,16 @@ public:
     ProcessDirectory(const ProcessDirectory&) = delete;
     ProcessDirectory& operator=(const ProcessDirectory&) = delete;
 
-    // The numeric names in /proc: the pids, in the kernel's order. Valid
-    // until the next call.
-    const std::vector<int>& processIDs();
+    // A process's folder: its pid, and its inode, which stays the same while
+    // the folder is the one of the same process.
+    struct Entry {
+        int pid = 0;
+        std::uint64_t inode = 0;
+    };
+
+    // The numbered folders of /proc, in the kernel's order. Valid until the
+    // next call.
+    const std::vector<Entry>& processes();
 
     // The user that owns /proc/PID, which is the process's effective user;
     // nothing once the process has gone.
@@ -28,7 +35,7 @@ public:
 private:
     int fd_;
     std::vector<char> entries_;
-    std::vector<int> pids_;
+    std::vector<Entry> processes_;
 };
 
 } // namespace loadwarden

@@ -88,6 +88,14 @@ RunState runStateFromProcLetter(char letter) {
     }
 }
 
+std::optional<std::uint64_t> parseStatmResidentPages(std::string_view text) {
+    FieldCursor cursor(text);
+    if (cursor.next().empty()) {
+        return std::nullopt;
+    }
+    return parseInteger<std::uint64_t>(cursor.next());
+}
+
 std::optional<ProcIO> parseProcIO(std::string_view text) {
     const auto read = parseInteger<std::uint64_t>(keyedValue(text, "read_bytes"));
     const auto written = parseInteger<std::uint64_t>(keyedValue(text, "write_bytes"));

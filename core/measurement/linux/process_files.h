@@ -35,6 +35,11 @@ struct ProcStat {
 
 RunState runStateFromProcLetter(char letter);
 
+// The resident pages of /proc/PID/statm (its second field): what stat's
+// resident pages count, summed exactly where stat's may lag a few pages
+// behind, from a file the kernel writes far more cheaply.
+std::optional<std::uint64_t> parseStatmResidentPages(std::string_view text);
+
 // Storage-layer bytes from /proc/PID/io; both counters or nothing.
 struct ProcIO {
     std::uint64_t readBytes = 0;

@@ -16,8 +16,9 @@ namespace loadwarden {
 namespace {
 
 bool lists(ProcessDirectory& directory, pid_t pid) {
-    const auto& pids = directory.processIDs();
-    return std::find(pids.begin(), pids.end(), pid) != pids.end();
+    return std::ranges::any_of(directory.processes(), [pid](const ProcessDirectory::Entry& entry) {
+        return entry.pid == pid;
+    });
 }
 
 std::string fileText(const std::string& path) {
@@ -56,9 +57,21 @@ TEST(KeptFile, EachReadHoldsItsOwnFileWholeWhateverTheBufferHeldBefore) {
     EXPECT_FALSE(cmdline.isOpen());
 }
 
+std::optional<std::uint64_t> inodeOf(ProcessDirectory& directory, pid_t pid) {
+    for (const auto& entry : directory.processes()) {
+        if (entry.pid == pid) {
+            return entry.inode;
+        }
+    }
+    return std::nullopt;
+}
+
 TEST(ProcessDirectory, EachListingSeesTheProcessesOfItsMoment) {
     ProcessDirectory directory;
     ASSERT_TRUE(lists(directory, getpid()));
+    // The same process, the same folder.
+    const auto inode = inodeOf(directory, getpid());
+    EXPECT_EQ(inodeOf(directory, getpid()), inode);
     const pid_t child = fork();
     if (child == 0) {
         pause();

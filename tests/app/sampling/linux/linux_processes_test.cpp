@@ -12,10 +12,10 @@
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace loadwarden {
 namespace {
@@ -101,6 +101,75 @@ TEST(LinuxProcesses, DiskBytesOfAStillProcessStayExactAndAreReadAgainOnceItRuns)
     ASSERT_TRUE(moved);
     EXPECT_EQ(moved->diskWrittenBytes, writtenBytes(writer.pid));
     EXPECT_GE(moved->diskWrittenBytes.value_or(0), before + (2 << 20));
+}
+
+// The kernel's exact count of a process's resident memory, VmRSS.
+std::uint64_t residentBytes(pid_t pid) {
+    std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("VmRSS:")) {
+            return std::stoull(line.substr(line.find(':') + 1)) * 1024;
+        }
+    }
+    ADD_FAILURE() << "no VmRSS for " << pid;
+    return 0;
+}
+
+TEST(LinuxProcesses, TheMemoryOfAStillProcessIsItsResidentSize) {
+    Child holder([] {
+        static std::vector<char> held(16 << 20, 'x');
+        raise(SIGSTOP);
+    });
+    holder.awaitStop();
+    LinuxProcesses reader;
+    ASSERT_TRUE(readingOf(reader, holder.pid));
+    for (int listing = 0; listing < 2; ++listing) {
+        const auto still = readingOf(reader, holder.pid);
+        ASSERT_TRUE(still);
+        EXPECT_EQ(still->memoryBytes, residentBytes(holder.pid)) << "listing " << listing;
+        EXPECT_GT(still->memoryBytes, 16u << 20);
+    }
+}
+
+TEST(LinuxProcesses, AStillProcessWhoseParentEndsIsSeenWithItsNewParent) {
+    // This test takes in the orphans of its children, as a session manager does.
+    ASSERT_EQ(prctl(PR_SET_CHILD_SUBREAPER, 1), 0);
+    int pipe[2];
+    ASSERT_EQ(::pipe(pipe), 0);
+    const pid_t parent = fork();
+    if (parent == 0) {
+        const pid_t orphan = fork();
+        if (orphan == 0) {
+            while (true) {
+                pause();
+            }
+        }
+        if (write(pipe[1], &orphan, sizeof orphan) != sizeof orphan) {
+            _exit(1);
+        }
+        while (true) {
+            pause();
+        }
+    }
+    pid_t orphan = 0;
+    ASSERT_EQ(read(pipe[0], &orphan, sizeof orphan), static_cast<ssize_t>(sizeof orphan));
+    close(pipe[0]);
+    close(pipe[1]);
+    LinuxProcesses reader;
+    for (int listing = 0; listing < 2; ++listing) {
+        const auto before = readingOf(reader, orphan);
+        ASSERT_TRUE(before);
+        EXPECT_EQ(before->ppid, parent);
+    }
+
+    kill(parent, SIGKILL);
+    waitpid(parent, nullptr, 0);
+    const auto after = readingOf(reader, orphan);
+    kill(orphan, SIGKILL);
+    waitpid(orphan, nullptr, 0);
+    prctl(PR_SET_CHILD_SUBREAPER, 0);
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after->ppid, getpid());
 }
 
 TEST(LinuxProcesses, ProcessorTimeIsTheProcesssOwnClockToTheNanosecond) {

@@ -45,6 +45,12 @@ TEST(ProcStat, StateLetters) {
     }
 }
 
+TEST(ProcFiles, ResidentPagesOfStatm) {
+    EXPECT_EQ(parseStatmResidentPages("2884 1210 925 23 0 319 0\n"), 1210u);
+    EXPECT_FALSE(parseStatmResidentPages("2884\n"));
+    EXPECT_FALSE(parseStatmResidentPages(""));
+}
+
 TEST(ProcFiles, DiskCounters) {
     const auto io = parseProcIO("rchar: 9000\nwchar: 800\nsyscr: 1\nsyscw: 2\nread_bytes: 4096\n"
                                 "write_bytes: 8192\ncancelled_write_bytes: 0\n");

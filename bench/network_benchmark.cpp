@@ -8,14 +8,24 @@ namespace loadwarden {
 namespace {
 
 // A busy desktop: a few thousand connections spread over a few hundred
-// processes, as ss prints them.
+// processes, as ss prints them, and who holds each.
+constexpr std::uint64_t firstInode = 500000;
+
+SocketOwnersByInode socketOwners(int sockets) {
+    SocketOwnersByInode owners;
+    for (int index = 0; index < sockets; ++index) {
+        owners[firstInode + static_cast<std::uint64_t>(index)] = {{1000 + index % 300, "browser"}};
+    }
+    return owners;
+}
+
 std::string socketListing(int sockets, std::uint64_t growth) {
     std::string listing;
     for (int index = 0; index < sockets; ++index) {
-        const int pid = 1000 + index % 300;
         listing += "ESTAB 0      0      192.168.1.20:" + std::to_string(40000 + index) +
-                   " 93.184.216.34:443 users:((\"browser\",pid=" + std::to_string(pid) +
-                   ",fd=" + std::to_string(index) + "))\n";
+                   " 93.184.216.34:443 ino:" +
+                   std::to_string(firstInode + static_cast<std::uint64_t>(index)) +
+                   " sk:" + std::to_string(index) + " cgroup:/user.slice <->\n";
         const std::uint64_t bytes = 100000 + index * 17 + growth;
         listing += "\t cubic wscale:7,7 rto:204 rtt:12.5/3 mss:1448 cwnd:10 bytes_sent:" +
                    std::to_string(bytes) + " bytes_acked:" + std::to_string(bytes + 1) +
@@ -31,11 +41,13 @@ void BM_SocketListingToSample(benchmark::State& state) {
     const int sockets = static_cast<int>(state.range(0));
     const std::string first = socketListing(sockets, 0);
     const std::string second = socketListing(sockets, 4096);
+    const SocketOwnersByInode owners = socketOwners(sockets);
     TcpSocketLedger ledger;
-    ledger.record(SocketStats::parse(first));
+    ledger.record(SocketStats::parse(first, owners));
     bool alternate = false;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(ledger.record(SocketStats::parse(alternate ? first : second)));
+        benchmark::DoNotOptimize(
+            ledger.record(SocketStats::parse(alternate ? first : second, owners)));
         alternate = !alternate;
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * second.size()));

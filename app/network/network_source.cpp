@@ -1,8 +1,10 @@
 #include "app/network/network_source.h"
 
 #include "app/network/net_top_source.h"
-#include "app/network/socket_stats_source.h"
 #include "app/runner/spawn.h"
+#ifndef __APPLE__
+#include "app/network/linux/socket_stats_source.h"
+#endif
 
 namespace loadwarden {
 

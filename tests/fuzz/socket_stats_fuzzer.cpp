@@ -4,6 +4,7 @@
 #include "tests/fuzz/fuzz_support.h"
 
 #include <algorithm>
+#include <string>
 
 namespace loadwarden {
 namespace {
@@ -14,8 +15,29 @@ bool isAddress(std::string_view address) {
     return !address.empty() && address.find(' ') == std::string_view::npos;
 }
 
+// Owners for small inodes, which mutations reach easily, and for the seed's:
+// a few processes, some sharing a socket, one pid under two names.
+SocketOwnersByInode makeOwners() {
+    SocketOwnersByInode owners;
+    const auto add = [&owners](std::uint64_t inode) {
+        const auto pid = static_cast<std::int32_t>(inode % 5 + 1);
+        owners[inode] = {{pid, "p" + std::to_string(inode % 3)}};
+        if (inode % 4 == 0) {
+            owners[inode].push_back({pid + 1, "shared"});
+        }
+    };
+    for (std::uint64_t inode = 0; inode < 64; ++inode) {
+        add(inode);
+    }
+    for (std::uint64_t inode = 310460; inode < 310470; ++inode) {
+        add(inode);
+    }
+    return owners;
+}
+
 std::vector<SocketBytes> parsed(std::string_view output) {
-    std::vector<SocketBytes> sockets = SocketStats::parse(output);
+    static const SocketOwnersByInode owners = makeOwners();
+    std::vector<SocketBytes> sockets = SocketStats::parse(output, owners);
     for (const SocketBytes& socket : sockets) {
         check(!socket.owners.empty(), "a socket has an owner");
         check(isAddress(socket.local) && isAddress(socket.peer), "addresses are single words");

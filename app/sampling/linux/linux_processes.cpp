@@ -2,11 +2,11 @@
 
 #include "app/foundation/clock.h"
 #include "app/foundation/linux/start_date.h"
+#include "app/sampling/linux/process_clock.h"
 #include "core/foundation/checked_arithmetic.h"
 #include "core/grouping/linux/app_identity.h"
 
 #include <algorithm>
-#include <ctime>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -33,21 +33,6 @@ std::size_t processesWithOpenFiles() {
         getrlimit(RLIMIT_NOFILE, &files);
     }
     return files.rlim_cur > reserve ? static_cast<std::size_t>((files.rlim_cur - reserve) / 2) : 0;
-}
-
-// The processor time of a process to the nanosecond, from its clock, which
-// is open for every user's processes. The clock's id is made as the kernel
-// defines it, as clock_getcpuclockid does but without its extra system call
-// to learn whether the process exists: the reading tells that too.
-std::optional<std::uint64_t> exactCPUTimeNs(int pid) {
-    constexpr clockid_t wholeProcess = 2; // CPUCLOCK_SCHED
-    const clockid_t clock = static_cast<clockid_t>(~static_cast<unsigned>(pid) << 3) | wholeProcess;
-    timespec used{};
-    if (clock_gettime(clock, &used) != 0) {
-        return std::nullopt;
-    }
-    return checkedAdd(checkedMultiply(static_cast<std::uint64_t>(used.tv_sec), 1'000'000'000),
-                      static_cast<std::uint64_t>(used.tv_nsec));
 }
 
 } // namespace
@@ -87,7 +72,7 @@ std::vector<ProcessReading> LinuxProcesses::read() {
 }
 
 std::optional<ProcessReading> LinuxProcesses::readOne(int pid, Listed& listed, bool keep) {
-    const auto exactCPUTime = exactCPUTimeNs(pid);
+    const auto exactCPUTime = processCPUTimeNs(pid);
     const Seconds readAt = monotonicSeconds();
     // Only a clock to the nanosecond tells that a process has not run. One
     // running now on another core may not have its latest moments counted

@@ -9,7 +9,7 @@ namespace loadwarden::SocketStats {
 
 namespace {
 
-constexpr std::string_view ownersStart = "users:(";
+constexpr std::string_view inodeStart = " ino:";
 
 std::vector<std::string_view> words(std::string_view line) {
     std::vector<std::string_view> found;
@@ -40,50 +40,31 @@ std::optional<T> takeNumber(std::string_view& text) {
     return number;
 }
 
-// `(("name",pid=12,fd=3),("other",pid=14,fd=3))`; empty when malformed.
-std::vector<SocketOwner> parseOwners(std::string_view text) {
-    std::vector<SocketOwner> owners;
-    do {
-        if (!take(text, "(\"")) {
-            return {};
-        }
-        const std::size_t nameEnd = text.find("\",pid=");
-        if (nameEnd == std::string_view::npos) {
-            return {};
-        }
-        SocketOwner owner{.name = std::string(text.substr(0, nameEnd))};
-        text.remove_prefix(nameEnd + 6);
-        const auto pid = takeNumber<std::int32_t>(text);
-        if (!pid || !take(text, ",fd=") || !takeNumber<int>(text) || !take(text, ")")) {
-            return {};
-        }
-        owner.pid = *pid;
-        owners.push_back(std::move(owner));
-    } while (take(text, ","));
-    return take(text, ")") ? owners : std::vector<SocketOwner>{};
-}
-
-// "ESTAB 0 0 127.0.0.1:5555 127.0.0.1:36474 users:(…)"; a leading "tcp"
-// column appears when ss lists several kinds of socket.
-std::optional<SocketBytes> parseSocketLine(std::string_view line) {
+// "ESTAB 0 0 127.0.0.1:5555 127.0.0.1:36474 timer:(…) uid:1000 ino:4242 sk:…";
+// a leading "tcp" column appears when ss lists several kinds of socket.
+std::optional<SocketBytes> parseSocketLine(std::string_view line,
+                                           const SocketOwnersByInode& owners) {
     const std::vector<std::string_view> columns = words(line);
     const std::size_t first = !columns.empty() && columns[0] == "tcp" ? 1 : 0;
     if (columns.size() < first + 5) {
         return std::nullopt;
     }
     const std::string_view peer = columns[first + 4];
-    const std::size_t afterPeer = static_cast<std::size_t>(peer.data() - line.data()) + peer.size();
-    const std::size_t ownersAt = line.find(ownersStart, afterPeer);
-    if (ownersAt == std::string_view::npos) {
+    std::string_view rest =
+        line.substr(static_cast<std::size_t>(peer.data() - line.data()) + peer.size());
+    const std::size_t inodeAt = rest.find(inodeStart);
+    if (inodeAt == std::string_view::npos) {
         return std::nullopt;
     }
-    std::vector<SocketOwner> owners = parseOwners(line.substr(ownersAt + ownersStart.size()));
-    if (owners.empty()) {
+    rest.remove_prefix(inodeAt + inodeStart.size());
+    const auto inode = takeNumber<std::uint64_t>(rest);
+    const auto held = inode ? owners.find(*inode) : owners.end();
+    if (held == owners.end() || held->second.empty()) {
         return std::nullopt;
     }
     return SocketBytes{.local = std::string(columns[first + 3]),
                        .peer = std::string(peer),
-                       .owners = std::move(owners)};
+                       .owners = held->second};
 }
 
 // The indented detail line; ss leaves out counters that are zero. Data sent
@@ -123,7 +104,7 @@ bool isIndented(std::string_view line) {
 
 } // namespace
 
-std::vector<SocketBytes> parse(std::string_view output) {
+std::vector<SocketBytes> parse(std::string_view output, const SocketOwnersByInode& owners) {
     // An unfinished last line could hold a cut-off counter.
     output = output.substr(0, output.rfind('\n') + 1);
     std::vector<SocketBytes> sockets;
@@ -131,7 +112,7 @@ std::vector<SocketBytes> parse(std::string_view output) {
     forEachLine(output, [&](std::string_view line) {
         if (!isIndented(line)) {
             // A socket without its detail line is dropped with it.
-            awaitingCounters = parseSocketLine(line);
+            awaitingCounters = parseSocketLine(line, owners);
             return;
         }
         if (awaitingCounters && readCounters(line, *awaitingCounters)) {

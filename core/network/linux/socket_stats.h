@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <vector>
 
 namespace loadwarden {
@@ -32,12 +33,16 @@ struct SocketBytes {
     auto fields() const { return std::tie(local, peer, owners, bytesIn, bytesOut); }
 };
 
+// The processes that hold each socket, by the socket's inode.
+using SocketOwnersByInode = std::unordered_map<std::uint64_t, std::vector<SocketOwner>>;
+
 namespace SocketStats {
 
-// Reads `ss -Hntip` (iproute2): a line per socket, its counters on the
-// indented line after it. Sockets whose owners are not shown (other users'
-// processes) are left out, as is anything unreadable, socket by socket.
-std::vector<SocketBytes> parse(std::string_view output);
+// Reads `ss -Hntie` (iproute2): a line per socket with its inode, its
+// counters on the indented line after it. A socket's owners are those
+// `owners` gives for its inode; sockets without any (other users') are left
+// out, as is anything unreadable, socket by socket.
+std::vector<SocketBytes> parse(std::string_view output, const SocketOwnersByInode& owners);
 
 } // namespace SocketStats
 

@@ -19,44 +19,58 @@ std::string captured(const std::string& name) {
 }
 
 TEST(SocketStats, ReadsOwnedSocketsOfACapturedListing) {
-    // Captured as an unprivileged user: the first connection belongs to
-    // another user and shows no owners. The second socket of the second
-    // connection is held by a parent and its forked child.
+    // Captured as root. The first connection belongs to another user, whose
+    // descriptors an ordinary user cannot read: it has no owners here. The
+    // second socket of the second
+    // connection is held by a parent and its forked child; the last one has
+    // resent data, which counts once.
+    const SocketOwnersByInode owners{
+        {310461, {{13276, "curl"}}},
+        {310462, {{13280, "Web Content wor"}, {13277, "Web Content"}}},
+        {310464, {{13278, "ssh"}}},
+        {310465, {{13279, "sshd: user"}}},
+    };
     // Local address, peer, owners, bytes in and out.
-    EXPECT_EQ(SocketStats::parse(captured("ss_output.txt")),
+    EXPECT_EQ(SocketStats::parse(captured("ss_output.txt"), owners),
               (std::vector<SocketBytes>{
-                  {"127.0.0.1:47176", "127.0.0.1:53203", {{13276, "curl"}}, 1200, 250000},
-                  {"127.0.0.1:53203",
-                   "127.0.0.1:47176",
+                  {"127.0.0.1:58878", "127.0.0.1:35115", {{13276, "curl"}}, 1200, 127973},
+                  {"127.0.0.1:35115",
+                   "127.0.0.1:58878",
                    {{13280, "Web Content wor"}, {13277, "Web Content"}},
-                   250000,
+                   127973,
                    1200},
-                  {"[::1]:49074", "[::1]:53071", {{13278, "ssh"}}, 70000, 4096},
-                  {"[::1]:53071", "[::1]:49074", {{13279, "sshd: user"}}, 4096, 70000},
+                  {"[::1]:43194", "[::1]:36179", {{13278, "ssh"}}, 70000, 4096},
+                  {"[::1]:36179", "[::1]:43194", {{13279, "sshd: user"}}, 4096, 70000},
               }));
 }
 
 TEST(SocketStats, SkipsUnreadableSocketsOneByOne) {
     const std::string output =
-        "\t bytes_received:5\n" // details without a socket line
-        "ESTAB 0 0 10.0.0.1:1 10.0.0.2:2 users:((\"a\",pid=1,fd=3))\n" // no details
-        "ESTAB 0 0 10.0.0.1:3 10.0.0.2:4 users:((\"b\",pid=x,fd=3))\n"
+        "\t bytes_received:5\n"                        // details without a socket line
+        "ESTAB 0 0 10.0.0.1:1 10.0.0.2:2 ino:1 sk:1\n" // no details
+        "ESTAB 0 0 10.0.0.1:3 10.0.0.2:4 ino:x sk:2\n"
         "\t bytes_received:5\n"
-        "ESTAB 0 0 10.0.0.1:5 10.0.0.2:6 users:((\"c\",pid=3,fd=3)\n"
+        "ESTAB 0 0 10.0.0.1:5 10.0.0.2:6 sk:3\n"
         "\t bytes_received:5\n"
-        "ESTAB 0 0 10.0.0.1:7 10.0.0.2:8 users:((\"d\",pid=4,fd=3))\n"
+        "ESTAB 0 0 10.0.0.1:7 10.0.0.2:8 ino:4 sk:4\n"
         "\t bytes_received:12x bytes_acked:3\n"
         "ESTAB 0 0\n"
         "\t bytes_received:5\n"
-        "tcp ESTAB 0 0 10.0.0.1:9 10.0.0.2:10 users:((\"kept\",pid=5,fd=3))\n"
+        "tcp ESTAB 0 0 10.0.0.1:9 10.0.0.2:10 timer:(keepalive,1min,0) ino:5 sk:5 <->\n"
         "\t cubic bytes_sent:50 bytes_retrans:10 bytes_acked:41 bytes_received:7 segs_in:2\n"
-        "ESTAB 0 0 10.0.0.1:11 10.0.0.2:12 users:((\"quiet\",pid=6,fd=3))\n"
+        "ESTAB 0 0 10.0.0.1:11 10.0.0.2:12 uid:1000 ino:6 sk:6\n"
         "\t cubic bytes_acked:1\n"
-        "ESTAB 0 0 10.0.0.1:13 10.0.0.2:14 users:((\"cut\",pid=7,fd=3))\n"
+        "ESTAB 0 0 10.0.0.1:13 10.0.0.2:14 ino:99 sk:7\n" // nobody of ours holds it
+        "\t bytes_received:5\n"
+        "ESTAB 0 0 10.0.0.1:15 10.0.0.2:16 ino:7 sk:8\n"
         "\t bytes_received:12";
-    EXPECT_EQ(SocketStats::parse(output),
-              (std::vector<SocketBytes>{{"10.0.0.1:9", "10.0.0.2:10", {{5, "kept"}}, 7, 40},
-                                        {"10.0.0.1:11", "10.0.0.2:12", {{6, "quiet"}}}}));
+    SocketOwnersByInode owners;
+    for (std::uint64_t inode = 1; inode <= 7; ++inode) {
+        owners[inode] = {{static_cast<std::int32_t>(inode), "p" + std::to_string(inode)}};
+    }
+    EXPECT_EQ(SocketStats::parse(output, owners),
+              (std::vector<SocketBytes>{{"10.0.0.1:9", "10.0.0.2:10", {{5, "p5"}}, 7, 40},
+                                        {"10.0.0.1:11", "10.0.0.2:12", {{6, "p6"}}}}));
 }
 
 SocketBytes socket(const std::string& local, std::vector<SocketOwner> owners, std::uint64_t in,

@@ -1,13 +1,15 @@
 #pragma once
 
+#include "app/network/linux/socket_owners.h"
 #include "app/network/network_source.h"
 #include "core/network/linux/tcp_socket_ledger.h"
 
 namespace loadwarden {
 
-// Linux: iproute2's ss lists every TCP socket with its byte counters and,
-// for this user's own processes, which process holds it. Only connections
-// that are open when it runs are seen, and no UDP traffic at all.
+// Linux: iproute2's ss lists every TCP socket with its byte counters and
+// inode, and the processes that hold each are found among this user's own.
+// Only connections that are open when it runs are seen, and no UDP traffic
+// at all.
 class SocketStatsSource final : public NetworkSource {
 public:
     static constexpr std::string_view coverage = "Network: live TCP connections only";
@@ -24,6 +26,7 @@ public:
 
 private:
     std::string toolPath_;
+    SocketOwners owners_;
     TcpSocketLedger ledger_;
 };
 

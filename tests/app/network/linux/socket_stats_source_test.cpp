@@ -1,5 +1,5 @@
-#include "app/network/net_top_source.h"
-#include "app/network/socket_stats_source.h"
+#include "app/network/linux/socket_owners.h"
+#include "app/network/linux/socket_stats_source.h"
 #include "app/runner/spawn.h"
 
 #include <arpa/inet.h>
@@ -10,6 +10,7 @@
 #include <netinet/in.h>
 #include <ostream>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -20,16 +21,11 @@ void PrintTo(const NetworkBytes& bytes, std::ostream* out) {
     *out << bytes.name << "." << bytes.pid << " in " << bytes.bytesIn << " out " << bytes.bytesOut;
 }
 
-namespace {
-
-TEST(NetTopSource, ClosesTheLastBlockItself) {
-    NetTopSource source;
-    EXPECT_EQ(source.sample("time,,bytes_in,bytes_out,\n"
-                            "12:00:00.000000,launchd.1,10,20,\n"),
-              (NetworkSample{{1, {.pid = 1, .name = "launchd", .bytesIn = 10, .bytesOut = 20}}}));
-    EXPECT_FALSE(source.sample(""));
-    EXPECT_FALSE(source.sample("time,,bytes_in,bytes_out,\n"));
+void PrintTo(const SocketOwner& owner, std::ostream* out) {
+    *out << owner.name << "." << owner.pid;
 }
+
+namespace {
 
 // Moves `count` bytes through the descriptor with `io` (read or write).
 template <typename Io>
@@ -81,6 +77,108 @@ std::string ownName() {
     std::string name;
     std::getline(comm, name);
     return name;
+}
+
+// A new socket that this process keeps open, and its inode.
+std::pair<int, std::uint64_t> openSocket() {
+    const int descriptor = socket(AF_INET, SOCK_STREAM, 0);
+    struct stat status {};
+    fstat(descriptor, &status);
+    return {descriptor, status.st_ino};
+}
+
+// A forked copy of this test process that opens a socket, holds it twice,
+// and opens one more each time it is woken, telling the inode of each.
+class SocketHolder {
+public:
+    SocketHolder() {
+        if (pipe(reports_) != 0) {
+            ADD_FAILURE() << "no pipe";
+            return;
+        }
+        sigemptyset(&wake_);
+        sigaddset(&wake_, SIGUSR1);
+        sigprocmask(SIG_BLOCK, &wake_, nullptr);
+        pid_ = fork();
+        if (pid_ == 0) {
+            auto [descriptor, inode] = openSocket();
+            if (dup(descriptor) < 0) {
+                _exit(1);
+            }
+            while (true) {
+                if (write(reports_[1], &inode, sizeof inode) != sizeof inode) {
+                    _exit(1);
+                }
+                int signal = 0;
+                sigwait(&wake_, &signal);
+                inode = openSocket().second;
+            }
+        }
+        sigprocmask(SIG_UNBLOCK, &wake_, nullptr);
+    }
+    ~SocketHolder() {
+        end();
+        close(reports_[0]);
+        close(reports_[1]);
+    }
+    SocketHolder(const SocketHolder&) = delete;
+    SocketHolder& operator=(const SocketHolder&) = delete;
+
+    pid_t pid() const { return pid_; }
+    // The inode of the socket it opened last.
+    std::uint64_t opened() const {
+        std::uint64_t inode = 0;
+        EXPECT_EQ(read(reports_[0], &inode, sizeof inode), static_cast<ssize_t>(sizeof inode));
+        return inode;
+    }
+    void wake() const { kill(pid_, SIGUSR1); }
+    void end() {
+        if (pid_ > 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, nullptr, 0);
+            pid_ = 0;
+        }
+    }
+
+private:
+    int reports_[2] = {-1, -1};
+    sigset_t wake_{};
+    pid_t pid_ = 0;
+};
+
+std::vector<SocketOwner> ownersOf(const SocketOwnersByInode& found, std::uint64_t inode) {
+    const auto owners = found.find(inode);
+    return owners == found.end() ? std::vector<SocketOwner>{} : owners->second;
+}
+
+TEST(SocketOwners, FollowWhatEachProcessHoldsAcrossRuns) {
+    SocketHolder holder;
+    const std::vector<SocketOwner> holderOnly{{.pid = holder.pid(), .name = ownName()}};
+    SocketOwners owners;
+    const std::uint64_t first = holder.opened();
+    EXPECT_EQ(ownersOf(owners.find(), first), holderOnly);
+    // Standing still, it is known to hold what it held.
+    EXPECT_EQ(ownersOf(owners.find(), first), holderOnly);
+
+    holder.wake();
+    const std::uint64_t second = holder.opened();
+    const SocketOwnersByInode& afterWaking = owners.find();
+    EXPECT_EQ(ownersOf(afterWaking, first), holderOnly);
+    EXPECT_EQ(ownersOf(afterWaking, second), holderOnly);
+
+    holder.end();
+    const SocketOwnersByInode& afterEnding = owners.find();
+    EXPECT_FALSE(afterEnding.contains(first));
+    EXPECT_FALSE(afterEnding.contains(second));
+}
+
+TEST(SocketOwners, CountThisProcessToo) {
+    const auto [descriptor, inode] = openSocket();
+    SocketOwners owners;
+    EXPECT_EQ(ownersOf(owners.find(), inode),
+              (std::vector<SocketOwner>{{.pid = getpid(), .name = ownName()}}));
+    close(descriptor);
+    EXPECT_FALSE(owners.find().contains(inode));
 }
 
 TEST(SocketStatsSource, LoopbackTransferBetweenTwoProcessesShowsUpForEach) {
